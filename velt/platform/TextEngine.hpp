@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velt/platform/Font.hpp"
+
+namespace velt {
+
+// Vertical metrics of a resolved font, in pixels.
+struct LineMetrics {
+  int32_t ascent = 0;      // baseline below the line's top
+  int32_t descent = 0;     // below the baseline
+  int32_t lineHeight = 0;  // full line: ascent, descent and leading
+};
+
+// Rasterizes and measures text: fontconfig finds a face for a Font, FreeType
+// renders grayscale anti-aliased glyphs, kept in a cache per (face, pixel size,
+// style). A family that does not exist falls back to the default sans-serif.
+// The family "Webdings" (any case) is the library's own symbol font.
+// One instance per process; not thread-safe (everything runs on the UI thread).
+class TextEngine {
+ public:
+  static TextEngine& Instance();
+
+  LineMetrics Metrics(const Font& font);
+  // Advance width of one line of UTF-8 text (no line breaks), in pixels.
+  int32_t LineWidth(const Font& font, std::string_view line);
+  // Draws one line with its top-left corner at (x, y) into a 0x00RRGGBB image,
+  // blending colour (0x00RRGGBB) by glyph coverage, clipped to the image; draws
+  // the underline and strikethrough the font asks for.
+  void DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32_t x, int32_t y,
+                uint32_t rgb, const Font& font, std::string_view line);
+
+  // The file and family fontconfig chose for a font (for tests and diagnostics).
+  std::string ResolvedFamily(const Font& font);
+  // The families of the screen fonts, sorted, without duplicates.
+  std::vector<std::string> ScreenFonts();
+
+  ~TextEngine();
+  TextEngine(const TextEngine&) = delete;
+  TextEngine& operator=(const TextEngine&) = delete;
+
+ private:
+  TextEngine();
+  struct Impl;
+  Impl* impl_;
+};
+
+}  // namespace velt
