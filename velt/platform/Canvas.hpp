@@ -47,7 +47,7 @@ enum class PictureLook {
 // system colours (high bit set) are translated through SystemColors.
 class Canvas {
  public:
-  Canvas(int32_t width, int32_t height);  // black image, BackColor white, ForeColor black
+  Canvas(int32_t width, int32_t height);  // erased to BackColor white; ForeColor black
 
   // New size; the image is erased to BackColor. Negative sizes are error 5.
   void Resize(int32_t width, int32_t height);

@@ -30,6 +30,12 @@ const char* Error::StandardText(int32_t number) noexcept {
       return "Object variable not set";
     case errInvalidPropertyValue:
       return "Invalid property value";
+    case errFileNotFound:
+      return "File not found";
+    case errPathFileAccess:
+      return "Path/File access error";
+    case errInvalidPicture:
+      return "Invalid picture";
     case errKeyAlreadyExists:
       return "This key is already associated with an element of this collection";
     default:

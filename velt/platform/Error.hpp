@@ -14,7 +14,10 @@ enum ErrorNumber : int32_t {
   errTypeMismatch = 13,
   errObjectNotSet = 91,
   errInvalidPropertyValue = 380,
+  errFileNotFound = 53,
+  errPathFileAccess = 75,
   errKeyAlreadyExists = 457,
+  errInvalidPicture = 481,
 };
 
 // The one error type of the library. what() reads "error N: message"; Number()
