@@ -82,7 +82,7 @@ class Canvas {
   // Text. The canvas starts with its own copy of the ambient font; Font(f)
   // shares f by reference.
   const std::shared_ptr<velt::Font>& Font() const { return font_; }
-  void Font(std::shared_ptr<velt::Font> font);  // nullptr is error 91
+  void Font(std::shared_ptr<velt::Font> font);      // nullptr is error 91
   int32_t TextWidth(std::string_view text) const;   // widest line, pixels
   int32_t TextHeight(std::string_view text) const;  // line height times line count
   float CurrentX() const { return currentX_; }
@@ -105,7 +105,6 @@ class Canvas {
  private:
   void fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb);
   void gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode);
-  void blendPixel(int32_t x, int32_t y, uint32_t rgb, uint32_t alpha);
 
   int32_t width_ = 0;
   int32_t height_ = 0;

@@ -22,6 +22,8 @@ const char* Error::StandardText(int32_t number) noexcept {
       return "Invalid procedure call or argument";
     case errOverflow:
       return "Overflow";
+    case errOutOfMemory:
+      return "Out of memory";
     case errSubscriptOutOfRange:
       return "Subscript out of range";
     case errTypeMismatch:

@@ -10,6 +10,7 @@ namespace velt {
 enum ErrorNumber : int32_t {
   errInvalidProcedureCall = 5,
   errOverflow = 6,
+  errOutOfMemory = 7,
   errSubscriptOutOfRange = 9,
   errTypeMismatch = 13,
   errObjectNotSet = 91,

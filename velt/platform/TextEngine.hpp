@@ -31,13 +31,17 @@ class TextEngine {
   // Draws one line with its top-left corner at (x, y) into a 0x00RRGGBB image,
   // blending colour (0x00RRGGBB) by glyph coverage, clipped to the image; draws
   // the underline and strikethrough the font asks for.
-  void DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32_t x, int32_t y,
-                uint32_t rgb, const Font& font, std::string_view line);
+  void DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32_t x, int32_t y, uint32_t rgb,
+                const Font& font, std::string_view line);
 
   // The file and family fontconfig chose for a font (for tests and diagnostics).
   std::string ResolvedFamily(const Font& font);
   // The families of the screen fonts, sorted, without duplicates.
   std::vector<std::string> ScreenFonts();
+
+  // Forgets every rendered glyph (faces and font lookups stay), so the next
+  // drawing renders afresh. For benchmarks of the uncached path.
+  void ClearCache();
 
   ~TextEngine();
   TextEngine(const TextEngine&) = delete;

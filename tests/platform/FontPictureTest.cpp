@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <set>
+
+#include "velt/platform/Error.hpp"
+#include "velt/platform/Font.hpp"
+#include "velt/platform/Picture.hpp"
+
+namespace velt {
+namespace {
+
+int32_t errorNumberOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const Error& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(FontTest, SharedByReferenceWithRevisionOnRealChanges) {
+  auto font = Font::Ambient();
+  EXPECT_EQ(font->Name(), "sans-serif");
+  EXPECT_FLOAT_EQ(font->Size(), 8.25f);
+  const std::shared_ptr<Font> sameObject = font;
+  const uint64_t start = font->Revision();
+  sameObject->Italic(true);
+  EXPECT_TRUE(font->Italic());
+  EXPECT_EQ(font->Revision(), start + 1);
+  font->Italic(true);
+  font->Name("sans-serif");
+  font->Size(8.25f);
+  EXPECT_EQ(font->Revision(), start + 1);  // setting the same value is no change
+  font->Underline(true);
+  font->Strikethrough(true);
+  font->Charset(2);
+  EXPECT_EQ(font->Revision(), start + 4);
+
+  const auto copy = font->Clone();
+  EXPECT_TRUE(copy->SameLook(*font));
+  EXPECT_EQ(copy->Revision(), 0u);
+  copy->Size(12.0f);
+  EXPECT_FLOAT_EQ(font->Size(), 8.25f);
+  EXPECT_FALSE(copy->SameLook(*font));
+}
+
+TEST(FontTest, BoldFollowsWeight) {
+  Font font;
+  font.Bold(true);
+  EXPECT_EQ(font.Weight(), 700);
+  font.Bold(false);
+  EXPECT_EQ(font.Weight(), 400);
+  font.Weight(550);
+  EXPECT_TRUE(font.Bold());
+  font.Weight(549);
+  EXPECT_FALSE(font.Bold());
+}
+
+TEST(FontTest, OutOfRangeSizesAndWeightsAreError380) {
+  Font font;
+  for (float size : {0.0f, -1.0f, 2048.5f, std::nanf("")})
+    EXPECT_EQ(errorNumberOf([&] { font.Size(size); }), errInvalidPropertyValue) << size;
+  EXPECT_EQ(errorNumberOf([] { Font("x", 0.0f); }), errInvalidPropertyValue);
+  EXPECT_EQ(errorNumberOf([&] { font.Weight(1001); }), errInvalidPropertyValue);
+  EXPECT_EQ(errorNumberOf([&] { font.Weight(-1); }), errInvalidPropertyValue);
+  EXPECT_FLOAT_EQ(font.Size(), 8.25f);
+  EXPECT_EQ(font.Weight(), 400);
+  font.Size(2048.0f);
+  EXPECT_FLOAT_EQ(font.Size(), 2048.0f);
+}
+
+TEST(PictureTest, EveryPictureHasItsOwnHandle) {
+  Picture a(2, 2);
+  Picture b(2, 2);
+  a.Pixel(1, 1, 0xFF00FF00);
+  Picture copy(a);
+  std::set<uint32_t> handles{a.Handle(), b.Handle(), copy.Handle()};
+  EXPECT_EQ(handles.size(), 3u);
+  EXPECT_EQ(handles.count(0u), 0u);
+  EXPECT_EQ(copy.Pixel(1, 1), 0xFF00FF00u);
+  const uint32_t before = b.Handle();
+  b = a;
+  EXPECT_EQ(b.Handle(), before);
+  EXPECT_EQ(b.Pixel(1, 1), 0xFF00FF00u);
+  copy.Pixel(1, 1, 0);
+  EXPECT_EQ(a.Pixel(1, 1), 0xFF00FF00u);  // copies share no pixels
+}
+
+TEST(PictureTest, PixelsOutsideAreIgnoredAndBadSizesRefused) {
+  Picture picture(3, 2);
+  EXPECT_EQ(picture.Pixel(0, 0), 0u);  // starts transparent
+  picture.Pixel(3, 0, 0xFFFFFFFF);
+  picture.Pixel(-1, 1, 0xFFFFFFFF);
+  EXPECT_EQ(picture.Pixel(3, 0), 0u);
+  for (int32_t i = 0; i < 6; ++i)
+    EXPECT_EQ(picture.Pixels()[i], 0u);
+  EXPECT_EQ(errorNumberOf([] { Picture(-1, 2); }), errInvalidProcedureCall);
+  EXPECT_EQ(errorNumberOf([] { Picture(2, 2, std::vector<uint32_t>(3)); }),
+            errInvalidProcedureCall);
+}
+
+}  // namespace
+}  // namespace velt

@@ -1,0 +1,448 @@
+#include "velt/platform/Canvas.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+
+#include "velt/platform/Error.hpp"
+#include "velt/platform/Rounding.hpp"
+#include "velt/platform/SystemColors.hpp"
+#include "velt/platform/TextEngine.hpp"
+
+namespace velt {
+
+namespace {
+
+// Not in ErrorNumber yet; the classic number for a failed allocation.
+constexpr int32_t kOutOfMemory = 7;
+
+// Products of two 32-bit coordinate differences and a factor of two do not fit
+// in 64 bits; only the setup of a line needs them, never the per-pixel loop.
+using Wide = __int128;
+
+uint32_t pixelOf(OLE_COLOR color) {
+  return OleToPixel(SystemColors::Resolve(color));
+}
+
+// Half-open range [begin, end).
+struct Range {
+  int64_t begin;
+  int64_t end;
+  bool empty() const { return begin >= end; }
+  int64_t size() const { return end - begin; }
+};
+
+Range intersect(Range a, Range b) {
+  return {std::max(a.begin, b.begin), std::min(a.end, b.end)};
+}
+
+template <typename T>
+T floorDiv(T n, T d) {  // d > 0
+  T q = n / d;
+  if (n % d < 0) --q;
+  return q;
+}
+
+template <typename T>
+T ceilDiv(T n, T d) {  // d > 0
+  return -floorDiv<T>(-n, d);
+}
+
+int64_t absolute(int64_t v) {
+  return v < 0 ? -v : v;
+}
+
+size_t indexOf(int64_t x, int64_t y, int32_t width) {
+  return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
+}
+
+// One colour channel along a gradient: value(p) = floor((c0*(len-p) + c1*p) / (len*256)).
+// The numerator is kept as quotient and remainder of that denominator, so moving
+// to the next p is an addition with one carry, never a division.
+class ChannelRamp {
+ public:
+  ChannelRamp(int64_t c0, int64_t c1, int64_t len, int64_t p) : den_(len * 256) {
+    const int64_t delta = c1 - c0;
+    const int64_t num = c0 * len + delta * p;
+    q_ = floorDiv(num, den_);
+    r_ = num - q_ * den_;
+    stepQ_ = floorDiv(delta, den_);
+    stepR_ = delta - stepQ_ * den_;
+  }
+
+  uint32_t value() const { return static_cast<uint32_t>(q_); }
+
+  // Branch-free: the carry follows the colour values, which a branch predictor
+  // cannot guess.
+  void step() {
+    r_ += stepR_;
+    const bool carry = r_ >= den_;
+    q_ += stepQ_ + carry;
+    r_ -= carry ? den_ : 0;
+  }
+
+ private:
+  int64_t den_;
+  int64_t q_ = 0;
+  int64_t r_ = 0;
+  int64_t stepQ_ = 0;
+  int64_t stepR_ = 0;
+};
+
+class ColorRamp {
+ public:
+  ColorRamp(const TriVertex& from, const TriVertex& to, int64_t len, int64_t p)
+      : red_(from.Red, to.Red, len, p),
+        green_(from.Green, to.Green, len, p),
+        blue_(from.Blue, to.Blue, len, p) {}
+
+  uint32_t pixel() const { return (red_.value() << 16) | (green_.value() << 8) | blue_.value(); }
+
+  void step() {
+    red_.step();
+    green_.step();
+    blue_.step();
+  }
+
+ private:
+  ChannelRamp red_;
+  ChannelRamp green_;
+  ChannelRamp blue_;
+};
+
+// A line seen along its major axis: step i moves the major coordinate by one and
+// puts the minor one at b0 + ceil((2*i*B - A) / (2*A)), A = |major delta|, B =
+// minor delta. That is the exact position rounded to nearest, a half going to the
+// smaller coordinate.
+struct LineAxes {
+  int64_t a0;         // major start
+  int64_t majorSign;  // +1 or -1
+  int64_t A;          // major extent, > 0
+  int32_t majorSize;  // image size along the major axis
+  int64_t b0;         // minor start
+  int64_t B;          // minor delta (signed), |B| <= A
+  int32_t minorSize;
+};
+
+// The steps i whose major coordinate lies inside the image.
+Range majorVisible(const LineAxes& l) {
+  const Range all{0, l.A};
+  if (l.majorSign > 0) return intersect(all, {-l.a0, l.majorSize - l.a0});
+  return intersect(all, {l.a0 - l.majorSize + 1, l.a0 + 1});
+}
+
+// The steps i whose minor coordinate lies inside the image, solved from the
+// rounding formula so that a line far outside costs nothing.
+Range minorVisible(const LineAxes& l) {
+  const Wide lo = -static_cast<Wide>(l.b0);
+  const Wide hi = static_cast<Wide>(l.minorSize) - 1 - l.b0;
+  if (l.B == 0) return (lo <= 0 && 0 <= hi) ? Range{0, l.A} : Range{0, 0};
+  const Wide twoA = 2 * static_cast<Wide>(l.A);
+  // minor offset >= lo  <=>  2iB > P;  minor offset <= hi  <=>  2iB <= Q.
+  const Wide P = twoA * (lo - 1) + l.A;
+  const Wide Q = twoA * hi + l.A;
+  const Wide twoAbsB = 2 * static_cast<Wide>(absolute(l.B));
+  Wide first;
+  Wide last;  // inclusive
+  if (l.B > 0) {
+    first = floorDiv(P, twoAbsB) + 1;
+    last = floorDiv(Q, twoAbsB);
+  } else {
+    first = ceilDiv(-Q, twoAbsB);
+    last = ceilDiv(-P, twoAbsB) - 1;
+  }
+  // Both sides are clamped to the line's own steps before narrowing.
+  first = std::max<Wide>(first, 0);
+  last = std::min<Wide>(last, l.A - 1);
+  if (first > last) return {0, 0};
+  return {static_cast<int64_t>(first), static_cast<int64_t>(last) + 1};
+}
+
+void drawLine(uint32_t* pixels, int32_t width, int32_t height, int64_t x0, int64_t y0, int64_t x1,
+              int64_t y1, uint32_t rgb) {
+  const int64_t dx = x1 - x0;
+  const int64_t dy = y1 - y0;
+  if (dx == 0 && dy == 0) return;
+  const bool xMajor = absolute(dx) >= absolute(dy);
+  const LineAxes l = xMajor ? LineAxes{x0, dx > 0 ? 1 : -1, absolute(dx), width, y0, dy, height}
+                            : LineAxes{y0, dy > 0 ? 1 : -1, absolute(dy), height, x0, dx, width};
+  const Range steps = intersect(majorVisible(l), minorVisible(l));
+  if (steps.empty()) return;
+
+  // Minor offset at the first visible step: q = ceil(N / D), N = 2iB - A, with
+  // the remainder e carried so that later steps only add and compare.
+  const int64_t D = 2 * l.A;
+  const Wide N = 2 * static_cast<Wide>(steps.begin) * l.B - l.A;
+  const auto q = static_cast<int64_t>(ceilDiv(N, static_cast<Wide>(D)));
+  const auto r = static_cast<int64_t>(static_cast<Wide>(q) * D - N);  // 0 <= r < D
+  int64_t e = l.B >= 0 ? r : D - 1 - r;
+  const int64_t twoAbsB = 2 * absolute(l.B);
+
+  const int64_t a = l.a0 + l.majorSign * steps.begin;
+  const int64_t b = l.b0 + q;
+  const int64_t stride = width;
+  const int64_t majorStep = l.majorSign * (xMajor ? 1 : stride);
+  const int64_t minorStep = (l.B >= 0 ? 1 : -1) * (xMajor ? stride : 1);
+  int64_t at = xMajor ? b * stride + a : a * stride + b;
+  for (int64_t n = steps.size(); n > 0; --n) {
+    pixels[at] = rgb;
+    at += majorStep;
+    e -= twoAbsB;
+    const bool minorMove = e < 0;  // unpredictable for most slopes: no branch
+    e += minorMove ? D : 0;
+    at += minorMove ? minorStep : 0;
+  }
+}
+
+// Calls visit(canvasPixel, picturePixel) for every picture pixel that lands on
+// the image when the picture's top-left corner is at (x, y).
+template <typename Visit>
+void forEachCovered(uint32_t* pixels, int32_t width, int32_t height, const Picture& picture,
+                    int64_t x, int64_t y, Visit visit) {
+  const Range xs = intersect({x, x + picture.Width()}, {0, width});
+  const Range ys = intersect({y, y + picture.Height()}, {0, height});
+  if (xs.empty() || ys.empty()) return;
+  for (int64_t row = ys.begin; row < ys.end; ++row) {
+    uint32_t* dst = pixels + indexOf(xs.begin, row, width);
+    const uint32_t* src = picture.Pixels() + indexOf(xs.begin - x, row - y, picture.Width());
+    for (int64_t n = 0; n < xs.size(); ++n)
+      visit(dst[n], src[n]);
+  }
+}
+
+uint32_t blend(uint32_t dst, uint32_t rgb, uint32_t alpha) {
+  if (alpha == 255) return rgb;
+  if (alpha == 0) return dst;
+  uint32_t out = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const uint32_t s = (rgb >> shift) & 0xFFu;
+    const uint32_t d = (dst >> shift) & 0xFFu;
+    out |= ((s * alpha + d * (255 - alpha) + 127) / 255) << shift;
+  }
+  return out;
+}
+
+// Lines of a text: split at "\n", a "\r" just before it dropped. An empty text
+// is one empty line.
+template <typename Visit>
+void forEachLine(std::string_view text, Visit visit) {
+  while (true) {
+    const size_t end = text.find('\n');
+    std::string_view line = text.substr(0, end);
+    if (end != std::string_view::npos && !line.empty() && line.back() == '\r')
+      line.remove_suffix(1);
+    visit(line);
+    if (end == std::string_view::npos) return;
+    text.remove_prefix(end + 1);
+  }
+}
+
+int64_t roundCoordinate(float value) {
+  const double rounded = RoundHalfEven(value);
+  constexpr double kLimit = 1e15;  // far beyond any image, still exact in 64 bits
+  if (!(rounded > -kLimit)) return static_cast<int64_t>(-kLimit);
+  if (rounded > kLimit) return static_cast<int64_t>(kLimit);
+  return static_cast<int64_t>(rounded);
+}
+
+bool fitsInt32(int64_t v) {
+  return v >= std::numeric_limits<int32_t>::min() && v <= std::numeric_limits<int32_t>::max();
+}
+
+}  // namespace
+
+Canvas::Canvas(int32_t width, int32_t height) : font_(Font::Ambient()) {
+  Resize(width, height);
+}
+
+void Canvas::Resize(int32_t width, int32_t height) {
+  const std::string size = std::to_string(width) + "x" + std::to_string(height);
+  if (width < 0 || height < 0)
+    throw Error(errInvalidProcedureCall, "Canvas size " + size + " is negative");
+  try {
+    std::vector<uint32_t> fresh(static_cast<size_t>(width) * static_cast<size_t>(height),
+                                pixelOf(backColor_));
+    pixels_.swap(fresh);
+  } catch (const std::bad_alloc&) {
+    throw Error(kOutOfMemory, "Out of memory for a canvas of " + size + " pixels");
+  } catch (const std::length_error&) {
+    throw Error(kOutOfMemory, "Out of memory for a canvas of " + size + " pixels");
+  }
+  width_ = width;
+  height_ = height;
+}
+
+void Canvas::BackColor(OLE_COLOR color) {
+  backColor_ = color;
+  std::fill(pixels_.begin(), pixels_.end(), pixelOf(color));
+}
+
+void Canvas::ForeColor(OLE_COLOR color) {
+  foreColor_ = color;
+}
+
+void Canvas::Clear() {
+  std::fill(pixels_.begin(), pixels_.end(), pixelOf(backColor_));
+  currentX_ = 0;
+  currentY_ = 0;
+}
+
+void Canvas::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
+  Line(x1, y1, x2, y2, foreColor_);
+}
+
+void Canvas::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2, OLE_COLOR color) {
+  if (pixels_.empty()) return;
+  drawLine(pixels_.data(), width_, height_, x1, y1, x2, y2, pixelOf(color));
+}
+
+void Canvas::PSet(int32_t x, int32_t y) {
+  PSet(x, y, foreColor_);
+}
+
+void Canvas::PSet(int32_t x, int32_t y, OLE_COLOR color) {
+  if (x < 0 || y < 0 || x >= width_ || y >= height_) return;
+  pixels_[indexOf(x, y, width_)] = pixelOf(color);
+}
+
+int32_t Canvas::Point(int32_t x, int32_t y) const {
+  if (x < 0 || y < 0 || x >= width_ || y >= height_) return -1;
+  return static_cast<int32_t>(PixelToOle(pixels_[indexOf(x, y, width_)]));
+}
+
+uint32_t Canvas::PixelRGB(int32_t x, int32_t y) const {
+  if (x < 0 || y < 0 || x >= width_ || y >= height_) return 0;
+  return pixels_[indexOf(x, y, width_)];
+}
+
+void Canvas::FillRect(int32_t x, int32_t y, int32_t width, int32_t height, OLE_COLOR color) {
+  const Range xs = intersect({x, int64_t{x} + width}, {0, width_});
+  const Range ys = intersect({y, int64_t{y} + height}, {0, height_});
+  if (xs.empty() || ys.empty()) return;
+  const uint32_t rgb = pixelOf(color);
+  for (int64_t row = ys.begin; row < ys.end; ++row)
+    fillRow(static_cast<int32_t>(row), static_cast<int32_t>(xs.begin), static_cast<int32_t>(xs.end),
+            rgb);
+}
+
+void Canvas::fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb) {
+  std::fill_n(pixels_.data() + indexOf(x0, y, width_), x1 - x0, rgb);
+}
+
+bool Canvas::GradientFill(std::span<const TriVertex> vertices,
+                          std::span<const GradientRectMesh> meshes, uint32_t mode) {
+  if (mode != GRADIENT_FILL_RECT_H && mode != GRADIENT_FILL_RECT_V) return false;
+  for (const GradientRectMesh& mesh : meshes)
+    if (mesh.UpperLeft >= vertices.size() || mesh.LowerRight >= vertices.size()) return false;
+  for (const GradientRectMesh& mesh : meshes)
+    gradientRect(vertices[mesh.UpperLeft], vertices[mesh.LowerRight], mode);
+  return true;
+}
+
+void Canvas::gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode) {
+  const bool horizontal = mode == GRADIENT_FILL_RECT_H;
+  const Range xs = intersect({std::min(a.x, b.x), std::max(a.x, b.x)}, {0, width_});
+  const Range ys = intersect({std::min(a.y, b.y), std::max(a.y, b.y)}, {0, height_});
+  if (xs.empty() || ys.empty()) return;
+
+  // The colour starts at the vertex nearer the origin along the gradient's axis,
+  // whichever index the mesh gives it.
+  const bool aFirst = horizontal ? a.x <= b.x : a.y <= b.y;
+  const TriVertex& from = aFirst ? a : b;
+  const TriVertex& to = aFirst ? b : a;
+  const int64_t len = horizontal ? absolute(int64_t{b.x} - a.x) : absolute(int64_t{b.y} - a.y);
+  const int64_t firstOffset = horizontal ? xs.begin - from.x : ys.begin - from.y;
+  ColorRamp ramp(from, to, len, firstOffset);
+
+  uint32_t* first = pixels_.data() + indexOf(xs.begin, ys.begin, width_);
+  const auto count = static_cast<size_t>(xs.size());
+  if (horizontal) {
+    for (size_t i = 0; i < count; ++i) {
+      first[i] = ramp.pixel();
+      ramp.step();
+    }
+    for (int64_t row = ys.begin + 1; row < ys.end; ++row)
+      std::memcpy(pixels_.data() + indexOf(xs.begin, row, width_), first, count * sizeof(uint32_t));
+  } else {
+    for (int64_t row = ys.begin; row < ys.end; ++row) {
+      std::fill_n(pixels_.data() + indexOf(xs.begin, row, width_), count, ramp.pixel());
+      ramp.step();
+    }
+  }
+}
+
+void Canvas::Font(std::shared_ptr<velt::Font> font) {
+  if (!font) throw Error(errObjectNotSet, "Canvas.Font was given no font object");
+  font_ = std::move(font);
+}
+
+int32_t Canvas::TextWidth(std::string_view text) const {
+  TextEngine& engine = TextEngine::Instance();
+  int32_t widest = 0;
+  forEachLine(text, [&](std::string_view line) {
+    widest = std::max(widest, engine.LineWidth(*font_, line));
+  });
+  return widest;
+}
+
+int32_t Canvas::TextHeight(std::string_view text) const {
+  const int32_t lines = static_cast<int32_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  return TextEngine::Instance().Metrics(*font_).lineHeight * lines;
+}
+
+void Canvas::Print(std::string_view text) {
+  TextEngine& engine = TextEngine::Instance();
+  const int32_t lineHeight = engine.Metrics(*font_).lineHeight;
+  const uint32_t rgb = pixelOf(foreColor_);
+  int64_t x = roundCoordinate(currentX_);
+  int64_t y = roundCoordinate(currentY_);
+  int32_t printed = 0;
+  forEachLine(text, [&](std::string_view line) {
+    if (!pixels_.empty() && fitsInt32(x) && fitsInt32(y))
+      engine.DrawLine(pixels_.data(), width_, height_, static_cast<int32_t>(x),
+                      static_cast<int32_t>(y), rgb, *font_, line);
+    x = 0;  // every following line starts at the left edge
+    y += lineHeight;
+    ++printed;
+  });
+  currentX_ = 0;
+  currentY_ += static_cast<float>(lineHeight) * static_cast<float>(printed);
+}
+
+void Canvas::DrawPicture(const Picture& picture, int32_t x, int32_t y, PictureLook look,
+                         OLE_COLOR monochromeColor) {
+  if (pixels_.empty()) return;
+  uint32_t* pixels = pixels_.data();
+  switch (look) {
+    case PictureLook::Normal:
+      forEachCovered(pixels, width_, height_, picture, x, y, [](uint32_t& dst, uint32_t src) {
+        dst = blend(dst, src & 0xFFFFFFu, src >> 24);
+      });
+      break;
+    case PictureLook::Monochrome: {
+      const uint32_t rgb = pixelOf(monochromeColor);
+      forEachCovered(pixels, width_, height_, picture, x, y,
+                     [rgb](uint32_t& dst, uint32_t src) { dst = blend(dst, rgb, src >> 24); });
+      break;
+    }
+    case PictureLook::Disabled: {
+      // Highlight one pixel down-right, then the shadow on top of it: the
+      // embossed look of a disabled icon. Only clearly opaque pixels count.
+      const uint32_t highlight = pixelOf(SystemColors::Get(COLOR_BTNHIGHLIGHT));
+      const uint32_t shadow = pixelOf(SystemColors::Get(COLOR_BTNSHADOW));
+      auto stamp = [](uint32_t rgb) {
+        return [rgb](uint32_t& dst, uint32_t src) {
+          if ((src >> 24) >= 128) dst = rgb;
+        };
+      };
+      forEachCovered(pixels, width_, height_, picture, int64_t{x} + 1, int64_t{y} + 1,
+                     stamp(highlight));
+      forEachCovered(pixels, width_, height_, picture, x, y, stamp(shadow));
+      break;
+    }
+  }
+}
+
+}  // namespace velt

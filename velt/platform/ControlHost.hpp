@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "velt/platform/Geometry.hpp"
+
+namespace velt {
+
+class Canvas;
+class Font;
+class PopupWindow;
+class Timer;
+class UserControl;
+class Variant;
+
+// The container's services for one control: what a site gives the control it
+// holds. Positions exchanged with the container are twips; everything drawn or
+// hit-tested is pixels of the control's own surface.
+class ControlHost {
+ public:
+  virtual ~ControlHost() = default;
+
+  // The control's persistent drawing surface, sized to the control in pixels.
+  virtual Canvas& Surface() = 0;
+
+  // Ambient properties of the container.
+  virtual std::string AmbientDisplayName() const = 0;
+  virtual std::shared_ptr<velt::Font> AmbientFont() const = 0;
+
+  // Tells the container a stored property changed, so it saves it.
+  virtual void PropertyChanged(const std::string& propertyName) = 0;
+
+  // Told of every event the control raises, with the arguments as they are
+  // passed to the handlers, just before the handlers run.
+  virtual void EventRaised(const std::string& eventName, std::span<const Variant> arguments) = 0;
+
+  // Container-side (extender) properties of the control.
+  virtual bool Enabled() const = 0;
+  virtual void Enabled(bool enabled) = 0;
+  virtual std::shared_ptr<velt::Font> Font() const = 0;
+  virtual void Font(std::shared_ptr<velt::Font> font) = 0;  // by reference; nullptr is error 91
+  virtual bool Visible() const = 0;
+  virtual void Visible(bool visible) = 0;
+  virtual int32_t Left() const = 0;  // twips, relative to the parent
+  virtual int32_t Top() const = 0;
+  virtual int32_t Width() const = 0;
+  virtual int32_t Height() const = 0;
+  // Moves and sizes the control (twips); a new size resizes the surface and
+  // calls the control's Resize.
+  virtual void Move(int32_t left, int32_t top, int32_t width, int32_t height) = 0;
+
+  // Focus and capture. The host holds the mouse capture while a button is held
+  // on the control, so the release arrives even outside it.
+  virtual void SetFocus() = 0;
+  virtual bool HasFocus() const = 0;
+
+  // Services.
+  virtual std::shared_ptr<Timer> CreateTimer(const std::string& name) = 0;
+  // Lets pending input, posted work and due timers run once.
+  virtual void DoEvents() = 0;
+  virtual int32_t TwipsPerPixelX() const = 0;
+  virtual int32_t TwipsPerPixelY() const = 0;
+  virtual SizeL ScreenSize() const = 0;  // pixels
+  virtual PointL CursorPos() const = 0;  // the pointer, screen pixels
+  // Non-zero while the key or mouse button is held (1 left, 2 right, 4 middle).
+  virtual int16_t AsyncKeyState(int32_t virtualKey) const = 0;
+  virtual RectL WindowRect() const = 0;  // the control on screen, pixels
+
+  // Parts of composite controls. AddChild sites a control on this control's
+  // surface and runs its creation (Initialize, InitProperties, Resize) with the
+  // given name as its ambient display name; the returned host lives as long as
+  // this control. CreatePopup makes a top-level window owned by the form.
+  virtual ControlHost& AddChild(std::shared_ptr<UserControl> control, const std::string& name,
+                                int32_t left, int32_t top, int32_t width, int32_t height) = 0;
+  virtual std::shared_ptr<PopupWindow> CreatePopup(const std::string& name) = 0;
+};
+
+}  // namespace velt

@@ -1,0 +1,301 @@
+#include "velt/platform/TextEngine.hpp"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <unordered_map>
+
+#include "velt/platform/FontResolver.hpp"
+#include "velt/platform/GlyphCache.hpp"
+#include "velt/platform/SymbolFont.hpp"
+
+namespace velt {
+
+namespace {
+
+constexpr char32_t kReplacementCharacter = 0xFFFD;
+constexpr int32_t kRegularWeight = 400;
+constexpr int32_t kBoldWeight = 550;  // where Font::Bold starts
+
+// Reads code points from UTF-8. Each maximal ill-formed subsequence becomes one
+// U+FFFD, so broken text still draws something in place of every bad byte run.
+class Utf8Reader {
+ public:
+  explicit Utf8Reader(std::string_view text) : text_(text) {}
+
+  bool Next(char32_t& codePoint) {
+    if (pos_ >= text_.size()) return false;
+    const auto lead = byteAt(pos_);
+    if (lead < 0x80) {
+      codePoint = lead;
+      ++pos_;
+      return true;
+    }
+    int32_t length = 0;
+    uint8_t low = 0x80;
+    uint8_t high = 0xBF;
+    if (!sequenceShape(lead, length, low, high)) return replace(1, codePoint);
+    char32_t value = lead & (0xFF >> (length + 1));
+    for (int32_t i = 1; i < length; ++i) {
+      if (pos_ + i >= text_.size()) return replace(i, codePoint);
+      const auto next = byteAt(pos_ + i);
+      if (next < low || next > high) return replace(i, codePoint);
+      value = (value << 6) | (next & 0x3F);
+      low = 0x80;
+      high = 0xBF;
+    }
+    codePoint = value;
+    pos_ += static_cast<size_t>(length);
+    return true;
+  }
+
+ private:
+  uint8_t byteAt(size_t i) const { return static_cast<uint8_t>(text_[i]); }
+
+  bool replace(int32_t consumed, char32_t& codePoint) {
+    pos_ += static_cast<size_t>(consumed);
+    codePoint = kReplacementCharacter;
+    return true;
+  }
+
+  // Length of the sequence a lead byte starts and the range its second byte
+  // must fall in (which rules out overlong forms, surrogates and values above
+  // U+10FFFF).
+  static bool sequenceShape(uint8_t lead, int32_t& length, uint8_t& low, uint8_t& high) {
+    if (lead >= 0xC2 && lead <= 0xDF) {
+      length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+      length = 3;
+      if (lead == 0xE0) low = 0xA0;
+      if (lead == 0xED) high = 0x9F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+      length = 4;
+      if (lead == 0xF0) low = 0x90;
+      if (lead == 0xF4) high = 0x8F;
+    } else {
+      return false;
+    }
+    return true;
+  }
+
+  std::string_view text_;
+  size_t pos_ = 0;
+};
+
+struct Surface {
+  uint32_t* pixels;
+  int32_t width;
+  int32_t height;
+};
+
+// dst = (colour * coverage + dst * (255 - coverage) + 127) / 255 per channel,
+// red and blue computed together in one word.
+inline uint32_t blend(uint32_t dst, uint32_t rgb, uint32_t coverage) {
+  const uint32_t inverse = 255 - coverage;
+  uint32_t rb = (rgb & 0xFF00FFu) * coverage + (dst & 0xFF00FFu) * inverse + 0x7F007Fu;
+  uint32_t g = ((rgb & 0xFF00u) >> 8) * coverage + ((dst & 0xFF00u) >> 8) * inverse + 0x7Fu;
+  // floor(t / 255) == (t + (t >> 8) + 1) >> 8 for every t these sums reach.
+  rb = ((rb + ((rb >> 8) & 0xFF00FFu) + 0x10001u) >> 8) & 0xFF00FFu;
+  g = (g + (g >> 8) + 1) >> 8;
+  return rb | (g << 8);
+}
+
+void blitGlyph(const Surface& surface, int64_t left, int64_t top, const Glyph& glyph,
+               const uint8_t* coverage, uint32_t rgb) {
+  const int64_t x0 = std::max<int64_t>(left, 0);
+  const int64_t x1 = std::min<int64_t>(left + glyph.width, surface.width);
+  const int64_t y0 = std::max<int64_t>(top, 0);
+  const int64_t y1 = std::min<int64_t>(top + glyph.height, surface.height);
+  if (x0 >= x1 || y0 >= y1) return;
+  const int64_t count = x1 - x0;
+  for (int64_t y = y0; y < y1; ++y) {
+    const uint8_t* src = coverage + (y - top) * glyph.width + (x0 - left);
+    uint32_t* dst = surface.pixels + y * surface.width + x0;
+    for (int64_t i = 0; i < count; ++i) {
+      const uint32_t c = src[i];
+      if (c == 0) continue;
+      dst[i] = c == 255 ? rgb : blend(dst[i], rgb, c);
+    }
+  }
+}
+
+void fillBand(const Surface& surface, int64_t left, int64_t right, int64_t top, int32_t rows,
+              uint32_t rgb) {
+  const int64_t x0 = std::max<int64_t>(left, 0);
+  const int64_t x1 = std::min<int64_t>(right, surface.width);
+  const int64_t y0 = std::max<int64_t>(top, 0);
+  const int64_t y1 = std::min<int64_t>(top + rows, surface.height);
+  for (int64_t y = y0; y < y1 && x0 < x1; ++y)
+    std::fill(surface.pixels + y * surface.width + x0, surface.pixels + y * surface.width + x1,
+              rgb);
+}
+
+std::string lowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return lower;
+}
+
+// Points at 96 DPI to a whole em in pixels: 8.25 pt is 11 px.
+int32_t pixelSizeOf(const Font& font) {
+  const double pixels = static_cast<double>(font.Size()) * 96.0 / 72.0;
+  return std::max<int32_t>(static_cast<int32_t>(std::lround(pixels)), 1);
+}
+
+int32_t weightOf(const Font& font) {
+  return font.Weight() == 0 ? kRegularWeight : font.Weight();
+}
+
+}  // namespace
+
+struct TextEngine::Impl {
+  // A font description resolved to its glyph cache.
+  struct Resolved {
+    GlyphCache* cache = nullptr;
+    std::string family;
+  };
+  // The last few fonts seen, compared field by field so the usual call finds
+  // its cache without building a key.
+  struct Recent {
+    std::string name;
+    float size = 0;
+    int16_t weight = -1;
+    bool italic = false;
+    Resolved* resolved = nullptr;
+  };
+
+  Impl() { FT_Init_FreeType(&library); }
+  ~Impl() {
+    caches.clear();  // their sizes belong to the faces
+    for (auto& [key, face] : faces)
+      if (face) FT_Done_Face(face);
+    if (library) FT_Done_FreeType(library);
+  }
+
+  Resolved& resolve(const Font& font) {
+    for (Recent& r : recent)
+      if (r.resolved && r.size == font.Size() && r.weight == font.Weight() &&
+          r.italic == font.Italic() && r.name == font.Name())
+        return *r.resolved;
+    Resolved& resolved = lookup(font);
+    Recent& slot = recent[nextRecent];
+    nextRecent = (nextRecent + 1) % recent.size();
+    slot = {font.Name(), font.Size(), font.Weight(), font.Italic(), &resolved};
+    return resolved;
+  }
+
+  Resolved& lookup(const Font& font) {
+    const int32_t pixels = pixelSizeOf(font);
+    const int32_t weight = weightOf(font);
+    const std::string key = lowerAscii(font.Name()) + '\n' + std::to_string(pixels) + '\n' +
+                            std::to_string(weight) + (font.Italic() ? "i" : "r");
+    auto found = lookups.find(key);
+    if (found != lookups.end()) return found->second;
+
+    const bool symbol = SymbolFont::IsSymbolFont(font.Name());
+    const std::string family = symbol ? FontResolver::kDefaultFamily : font.Name();
+    const ResolvedFace face = resolver.Resolve(family, weight, font.Italic(), pixels);
+    GlyphStyle style{weight >= kBoldWeight, font.Italic(), symbol};
+    Resolved resolved{&cacheFor(face, pixels, style), symbol ? SymbolFont::kName : face.family};
+    return lookups.emplace(key, std::move(resolved)).first->second;
+  }
+
+  GlyphCache& cacheFor(const ResolvedFace& face, int32_t pixels, GlyphStyle style) {
+    const std::string key = face.file + '\n' + std::to_string(face.index) + '\n' +
+                            std::to_string(pixels) + (style.bold ? "b" : "") +
+                            (style.italic ? "i" : "") + (style.symbolDigits ? "s" : "");
+    auto found = caches.find(key);
+    if (found != caches.end()) return *found->second;
+    auto cache = std::make_unique<GlyphCache>(faceFor(face), pixels, style);
+    return *caches.emplace(key, std::move(cache)).first->second;
+  }
+
+  FT_Face faceFor(const ResolvedFace& face) {
+    if (face.file.empty() || !library) return nullptr;
+    const std::string key = face.file + '\n' + std::to_string(face.index);
+    auto found = faces.find(key);
+    if (found != faces.end()) return found->second;
+    FT_Face opened = nullptr;
+    if (FT_New_Face(library, face.file.c_str(), face.index, &opened) != 0) opened = nullptr;
+    if (opened) FT_Select_Charmap(opened, FT_ENCODING_UNICODE);
+    faces.emplace(key, opened);
+    return opened;
+  }
+
+  FT_Library library = nullptr;
+  FontResolver resolver;
+  std::unordered_map<std::string, FT_Face> faces;
+  std::unordered_map<std::string, std::unique_ptr<GlyphCache>> caches;
+  std::unordered_map<std::string, Resolved> lookups;
+  std::array<Recent, 8> recent;
+  size_t nextRecent = 0;
+};
+
+TextEngine& TextEngine::Instance() {
+  static TextEngine engine;
+  return engine;
+}
+
+TextEngine::TextEngine() : impl_(new Impl) {}
+
+TextEngine::~TextEngine() {
+  delete impl_;
+}
+
+LineMetrics TextEngine::Metrics(const Font& font) {
+  return impl_->resolve(font).cache->Metrics();
+}
+
+int32_t TextEngine::LineWidth(const Font& font, std::string_view line) {
+  GlyphCache& cache = *impl_->resolve(font).cache;
+  Utf8Reader reader(line);
+  int64_t width = 0;
+  char32_t codePoint = 0;
+  while (reader.Next(codePoint))
+    width += cache.Get(codePoint).advance;
+  return static_cast<int32_t>(std::clamp<int64_t>(width, INT32_MIN, INT32_MAX));
+}
+
+void TextEngine::DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32_t x, int32_t y,
+                          uint32_t rgb, const Font& font, std::string_view line) {
+  if (!pixels || width <= 0 || height <= 0) return;
+  const Surface surface{pixels, width, height};
+  rgb &= 0xFFFFFFu;
+  GlyphCache& cache = *impl_->resolve(font).cache;
+  const int64_t baseline = static_cast<int64_t>(y) + cache.Metrics().ascent;
+
+  Utf8Reader reader(line);
+  int64_t pen = x;
+  char32_t codePoint = 0;
+  while (reader.Next(codePoint)) {
+    const Glyph& glyph = cache.Get(codePoint);
+    if (glyph.width > 0)
+      blitGlyph(surface, pen + glyph.left, baseline - glyph.top, glyph, cache.Coverage(glyph), rgb);
+    pen += glyph.advance;
+  }
+
+  if (font.Underline())
+    fillBand(surface, x, pen, baseline + cache.Underline().top, cache.Underline().thickness, rgb);
+  if (font.Strikethrough())
+    fillBand(surface, x, pen, baseline + cache.Strikeout().top, cache.Strikeout().thickness, rgb);
+}
+
+std::string TextEngine::ResolvedFamily(const Font& font) {
+  return impl_->resolve(font).family;
+}
+
+std::vector<std::string> TextEngine::ScreenFonts() {
+  return impl_->resolver.Families();
+}
+
+void TextEngine::ClearCache() {
+  for (auto& [key, cache] : impl_->caches)
+    cache->Clear();
+}
+
+}  // namespace velt

@@ -1,0 +1,7 @@
+#include "velt/platform/TopLevelWindow.hpp"
+
+namespace velt {
+
+TopLevelWindow::~TopLevelWindow() = default;
+
+}  // namespace velt
