@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "velt/host/DispatchScope.hpp"
+#include "velt/host/InputRouter.hpp"
+#include "velt/platform/Canvas.hpp"
+#include "velt/platform/Geometry.hpp"
+#include "velt/platform/Types.hpp"
+#include "velt/platform/WindowSystem.hpp"
+
+namespace velt {
+
+class Font;
+class PopupWindow;
+class PropertyBag;
+class Site;
+class UserControl;
+
+// The core of a form: its window on the window system, its sites, input
+// routing and the pop-ups its controls made. Form is the application's handle
+// on it; the core is shared so that it outlives the handle while a call into
+// one of its controls is still running (see DispatchScope).
+class FormWindow final : public WindowSystem::FormClient,
+                         public std::enable_shared_from_this<FormWindow> {
+ public:
+  // The default background, the classic button face.
+  static constexpr OLE_COLOR kDefaultBackColor = 0x8000000F;
+
+  FormWindow(std::shared_ptr<WindowSystem> system, std::string name, int32_t width, int32_t height);
+  ~FormWindow() override;
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  // Terminates and drops every control, hides and releases the pop-ups and
+  // leaves the window system. Controls still running finish first.
+  void Close();
+  bool Closed() const { return closed_; }
+  DispatchScope Enter();
+
+  WindowSystem& System() const { return *system_; }
+  const std::shared_ptr<WindowSystem>& SharedSystem() const { return system_; }
+  const std::string& Name() const { return name_; }
+
+  RectL ScreenRect() const override { return rect_; }
+  void MoveWindow(int32_t x, int32_t y, int32_t width, int32_t height);  // error 380 below 0
+  OLE_COLOR BackColor() const { return backColor_; }
+  void BackColor(OLE_COLOR color) { backColor_ = color; }
+  const std::shared_ptr<velt::Font>& Font() const { return font_; }
+  void Font(std::shared_ptr<velt::Font> font);  // error 91 for nullptr
+
+  // Sites a control (bounds in pixels) and runs its creation. Errors: 91 no
+  // control, 5 empty name, 457 name taken, 380 bad size; an error raised by the
+  // control's creation leaves the form as it was and reaches the caller.
+  Site& AddSite(std::shared_ptr<UserControl> control, const std::string& name, RectL bounds,
+                const PropertyBag* stored);
+  void RemoveSite(const std::string& name);  // error 5 for an unknown name
+  Site* FindSite(const std::string& name) const;
+  const std::vector<std::shared_ptr<Site>>& Sites() const { return sites_; }
+  InputRouter& Router() { return router_; }
+  const InputRouter& Router() const { return router_; }
+
+  // A pop-up whose events run inside this form's dispatch scopes; an owned one
+  // is held by the form until its control is removed or the form closes.
+  std::shared_ptr<PopupWindow> CreatePopup(const std::string& name, bool owned);
+  void ReleasePopup(const PopupWindow& popup);
+  size_t PopupCount() const { return popups_.size(); }
+  // Keeps a closed site alive until the outermost dispatch scope ends.
+  void Retire(std::shared_ptr<Site> site);
+
+  // The client area: background, then every visible site at its place,
+  // children over their parent and cut to its rectangle.
+  const Canvas& Image() override;
+
+  void OnMouseDown(int16_t button, int16_t shift, int32_t x, int32_t y) override;
+  void OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) override;
+  void OnMouseUp(int16_t button, int16_t shift, int32_t x, int32_t y) override;
+  void OnKeyDown(int16_t keyCode, int16_t shift) override;
+  void OnKeyUp(int16_t keyCode, int16_t shift) override;
+  void OnKeyPress(int16_t charCode) override;
+
+ private:
+  friend class DispatchScope;
+
+  void enterDispatch() { ++dispatchDepth_; }
+  void leaveDispatch();
+  void compose(const std::vector<std::shared_ptr<Site>>& sites, PointL origin, const RectL& clip);
+
+  std::shared_ptr<WindowSystem> system_;  // first: the rest may need it while going
+  std::string name_;
+  RectL rect_;
+  OLE_COLOR backColor_ = kDefaultBackColor;
+  std::shared_ptr<velt::Font> font_;
+  Canvas image_;
+  InputRouter router_;
+  std::vector<std::shared_ptr<PopupWindow>> popups_;
+  std::vector<std::shared_ptr<Site>> sites_;  // bottom to top
+  std::vector<std::shared_ptr<Site>> retired_;
+  int32_t dispatchDepth_ = 0;
+  bool closed_ = false;
+};
+
+}  // namespace velt

@@ -1,0 +1,7 @@
+#include "velt/platform/Clock.hpp"
+
+namespace velt {
+
+Clock::~Clock() = default;
+
+}  // namespace velt

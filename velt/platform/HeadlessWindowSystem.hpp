@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "velt/platform/Canvas.hpp"
+#include "velt/platform/Geometry.hpp"
+#include "velt/platform/Types.hpp"
+#include "velt/platform/VirtualClock.hpp"
+#include "velt/platform/WindowSystem.hpp"
+
+namespace velt {
+
+// The window system without a display: windows are images in memory, the
+// screen is a rectangle of the given size, time is a virtual clock, and the
+// pointer, the buttons and the keys are whatever the test sets or scripts.
+//
+// Scripted input is a queue read by DoEvents, one item per call, as a real
+// event queue is read: a routine that waits inside DoEvents (for the mouse
+// buttons to be released, say) sees the script's later items arrive. Script
+// coordinates are screen pixels. A scripted press or release also moves the
+// pointer to its position, but only PostMouseMove sends MouseMove.
+class HeadlessWindowSystem : public WindowSystem {
+ public:
+  // The screen's background where no window is.
+  static constexpr OLE_COLOR kDesktopColor = 0x808000;  // teal
+
+  explicit HeadlessWindowSystem(int32_t screenWidth = 1024, int32_t screenHeight = 768);
+
+  SizeL ScreenSize() const override { return screen_; }
+  PointL CursorPos() const override { return cursor_; }
+  int32_t MouseButtons() const override { return buttons_; }
+
+  // Direct state, no events.
+  void SetCursor(int32_t x, int32_t y) { cursor_ = PointL{x, y}; }
+  void SetButtons(int32_t mask);  // error 5 outside 0..7
+  // Moves the virtual clock, firing each timer at its due time on the way, so
+  // a 1 ms timer ticks once per millisecond moved. Error 5 below 0.
+  void AdvanceClock(int64_t milliseconds);
+
+  // The script. Buttons are 1 left, 2 right, 4 middle (error 5 otherwise);
+  // Shift 1, Ctrl 2, Alt 4.
+  void PostMouseMove(int32_t x, int32_t y);
+  void PostMouseDown(int16_t button, int32_t x, int32_t y, int16_t shift = 0);
+  void PostMouseUp(int16_t button, int32_t x, int32_t y, int16_t shift = 0);
+  void PostKeyDown(int16_t keyCode, int16_t shift = 0);
+  void PostKeyUp(int16_t keyCode, int16_t shift = 0);
+  void PostKeyPress(int16_t charCode);
+  // AdvanceClock(milliseconds) when its turn comes.
+  void PostWait(int64_t milliseconds);
+  // Any step of the script's own, e.g. giving a control the focus.
+  void PostAction(std::function<void()> action);
+  size_t PendingInput() const { return script_.size(); }
+
+  // Takes one scripted item, then runs the posted work and the due timers.
+  void DoEvents() override;
+  // DoEvents until no script item and no posted work is left (at least once).
+  void RunUntilIdle();
+
+  // The whole screen: desktop, forms, then pop-ups in stacking order, each
+  // pop-up blended with its effective alpha over a drop shadow when it has one.
+  Canvas CompositeScreen();
+  void SavePng(const std::string& path);
+
+ private:
+  enum class ScriptKind { MouseMove, MouseDown, MouseUp, KeyDown, KeyUp, KeyPress, Wait, Action };
+  struct ScriptItem {
+    ScriptKind kind;
+    int16_t button = 0;  // or the key or character code
+    int16_t shift = 0;
+    PointL point;
+    int64_t milliseconds = 0;
+    std::function<void()> action;
+  };
+
+  HeadlessWindowSystem(VirtualClock* clock, int32_t screenWidth, int32_t screenHeight);
+  void post(ScriptItem item);
+  void run(ScriptItem& item);
+
+  VirtualClock* virtualClock_;  // owned by the base class
+  SizeL screen_;
+  PointL cursor_;
+  int32_t buttons_ = 0;
+  std::deque<ScriptItem> script_;
+};
+
+}  // namespace velt

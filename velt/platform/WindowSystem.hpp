@@ -1,0 +1,166 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "velt/platform/Clock.hpp"
+#include "velt/platform/Geometry.hpp"
+#include "velt/platform/TimerQueue.hpp"
+
+namespace velt {
+
+class Canvas;
+class PopupWindow;
+
+// A window system backend: the screen, the pointer and the buttons held, a
+// clock with its timer queue, the top-level windows (form windows and pop-ups)
+// and the event loop. The backends differ in where events come from and where
+// windows show; routing input to windows, mouse capture, the focus between
+// top-level windows, posted work and timers are the same for all and live
+// here.
+//
+// Windows are stacked: forms at the bottom (the last one activated on top),
+// then the pop-ups, the topmost ones above the others, each band in the order
+// the windows were shown or raised. A mouse event goes to the window holding
+// the capture, else to the topmost visible window under the pointer. A press
+// captures the mouse for the window under the pointer until every button is
+// up, and gives that window the focus; a pop-up that loses the focus hears
+// LostFocus. Keys go to the focused window: a pop-up has no key events, so
+// keys pressed while one has the focus are dropped; otherwise they go to the
+// active form.
+class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
+ public:
+  // What the system needs from a form window: its client area on the screen,
+  // its image, and someone to take its input. Coordinates are pixels of the
+  // client area; they can lie outside it while the form holds the capture.
+  class FormClient {
+   public:
+    virtual ~FormClient() = default;
+    virtual RectL ScreenRect() const = 0;
+    virtual const Canvas& Image() = 0;
+    virtual void OnMouseDown(int16_t button, int16_t shift, int32_t x, int32_t y) = 0;
+    // Button is the mask of the buttons held (1 left, 2 right, 4 middle).
+    virtual void OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) = 0;
+    virtual void OnMouseUp(int16_t button, int16_t shift, int32_t x, int32_t y) = 0;
+    virtual void OnKeyDown(int16_t keyCode, int16_t shift) = 0;
+    virtual void OnKeyUp(int16_t keyCode, int16_t shift) = 0;
+    virtual void OnKeyPress(int16_t charCode) = 0;
+  };
+
+  // One entry of the stack of windows: a form or a pop-up.
+  struct StackedWindow {
+    FormClient* form = nullptr;
+    std::shared_ptr<PopupWindow> popup;
+  };
+
+  // GetAsyncKeyState's "held" bit.
+  static constexpr int16_t kKeyHeld = static_cast<int16_t>(0x8000);
+
+  explicit WindowSystem(std::unique_ptr<velt::Clock> clock);
+  virtual ~WindowSystem();
+  WindowSystem(const WindowSystem&) = delete;
+  WindowSystem& operator=(const WindowSystem&) = delete;
+
+  // The screen and the pointer, in screen pixels.
+  virtual SizeL ScreenSize() const = 0;
+  virtual PointL CursorPos() const = 0;
+  // The mouse buttons held: 1 left, 2 right, 4 middle.
+  virtual int32_t MouseButtons() const = 0;
+  // Whether a key is held, from the key events delivered so far.
+  virtual bool KeyHeld(int32_t keyCode) const;
+  // kKeyHeld while the key or mouse button (virtual keys 1 left, 2 right,
+  // 4 middle) is held, else 0.
+  int16_t AsyncKeyState(int32_t virtualKey) const;
+  // The Shift (1), Ctrl (2) and Alt (4) keys held.
+  int16_t ShiftState() const;
+
+  int64_t NowMs() const { return clock_->NowMs(); }
+  TimerQueue& Timers() { return timers_; }
+
+  // A new hidden pop-up window of this system.
+  std::shared_ptr<PopupWindow> CreatePopup(const std::string& name);
+
+  // Forms register their window while they exist.
+  void AttachForm(FormClient& form);
+  void DetachForm(FormClient& form);
+  // Gives a form the focus among the top-level windows, as setting the focus
+  // on one of its controls does; a pop-up that had it hears LostFocus.
+  void ActivateForm(FormClient& form);
+  // Told when a form's rectangle or image changed.
+  virtual void FormChanged(FormClient& form);
+
+  // Bottom to top; hidden pop-ups included.
+  std::vector<StackedWindow> Stack() const;
+  std::shared_ptr<PopupWindow> FocusedPopup() const { return focusPopup_.lock(); }
+  FormClient* ActiveForm() const { return activeForm_; }
+
+  // Lets pending input, posted work and due timers run once.
+  virtual void DoEvents() = 0;
+  // Work run by a later DoEvents, in the order posted.
+  void Post(std::function<void()> work);
+  size_t PendingWork() const { return posted_.size(); }
+
+ protected:
+  // Input in screen pixels, routed as described above. The backend updates
+  // the pointer and the buttons before calling these.
+  void deliverMouseDown(int16_t button, int16_t shift, PointL screen);
+  void deliverMouseMove(int16_t shift, PointL screen);
+  void deliverMouseUp(int16_t button, int16_t shift, PointL screen);
+  void deliverKeyDown(int16_t keyCode, int16_t shift);
+  void deliverKeyUp(int16_t keyCode, int16_t shift);
+  void deliverKeyPress(int16_t charCode);
+
+  // Makes the window object for CreatePopup, which registers it. A backend
+  // with real windows returns its own kind of PopupWindow.
+  virtual std::shared_ptr<PopupWindow> makePopup(const std::string& name);
+
+  // The work posted before the call; work posted meanwhile waits.
+  void runPostedWork();
+  void runDueTimers() { timers_.RunDue(); }
+
+ private:
+  friend class PopupWindow;
+
+  struct PopupEntry {
+    PopupWindow* window;
+    std::weak_ptr<PopupWindow> weak;
+  };
+  struct Target {
+    FormClient* form = nullptr;
+    std::shared_ptr<PopupWindow> popup;
+  };
+
+  void popupShown(PopupWindow& popup);
+  void popupHidden(PopupWindow& popup);
+  void popupRaised(PopupWindow& popup);
+  void popupGone(PopupWindow* popup);
+
+  std::shared_ptr<PopupWindow> lockPopup(PopupWindow& popup) const;
+  void raiseToTop(PopupWindow& popup);
+  Target windowAt(PointL screen) const;
+  Target mouseTarget(PointL screen) const;
+  bool attached(FormClient* form) const;
+  void activate(const Target& target);
+  void focusPopup(const std::shared_ptr<PopupWindow>& popup);
+  FormClient* keyTarget() const;
+
+  std::unique_ptr<velt::Clock> clock_;
+  TimerQueue timers_;
+  std::vector<FormClient*> forms_;  // bottom to top
+  std::vector<PopupEntry> popups_;  // bottom to top within each band
+  bool capturing_ = false;
+  FormClient* captureForm_ = nullptr;
+  std::weak_ptr<PopupWindow> capturePopup_;
+  std::weak_ptr<PopupWindow> clickPopup_;  // pressed with the left button
+  std::weak_ptr<PopupWindow> focusPopup_;
+  FormClient* activeForm_ = nullptr;
+  std::set<int32_t> keysHeld_;
+  std::deque<std::function<void()>> posted_;
+};
+
+}  // namespace velt
