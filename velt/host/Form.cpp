@@ -82,6 +82,11 @@ Site* Form::FocusedSite() const {
   return window_->Router().Focused();
 }
 
+bool Form::FocusNext(bool backward) {
+  std::shared_ptr<FormWindow> window = window_;
+  return window->FocusNext(backward);
+}
+
 Site* Form::CaptureSite() const {
   return window_->Router().Captured();
 }

@@ -65,6 +65,10 @@ class Form {
   std::vector<Site*> Sites() const;               // bottom to top
 
   Site* FocusedSite() const;
+  // Moves the focus on to the next control in the order they were added (the
+  // previous one when backward), as the Tab key does. False when no other
+  // control can take it.
+  bool FocusNext(bool backward = false);
   Site* CaptureSite() const;
 
   // Lets pending input, posted work and due timers run once.

@@ -98,6 +98,36 @@ void FormWindow::MoveWindow(int32_t x, int32_t y, int32_t width, int32_t height)
   system_->FormChanged(*this);
 }
 
+void FormWindow::WindowMoved(int32_t x, int32_t y) {
+  rect_ = RectL{x, y, x + rect_.Width(), y + rect_.Height()};
+}
+
+bool FormWindow::FocusNext(bool backward) {
+  DispatchScope scope = Enter();
+  const RectL client{0, 0, rect_.Width(), rect_.Height()};
+  const auto takesFocus = [&client](const Site& site) {
+    const RectL b = intersect(site.Bounds(), client);
+    return site.ReceivesInput() && b.Width() > 0 && b.Height() > 0;
+  };
+  // The control on the form that holds the focus, itself or through a part.
+  Site* current = router_.Focused();
+  while (current && current->Parent())
+    current = current->Parent();
+  const auto count = static_cast<ptrdiff_t>(sites_.size());
+  ptrdiff_t start = backward ? count : -1;
+  for (ptrdiff_t i = 0; i < count; ++i)
+    if (sites_[i].get() == current) start = i;
+  for (ptrdiff_t step = 1; step <= count; ++step) {
+    const ptrdiff_t offset = backward ? -step : step;
+    const std::shared_ptr<Site> site = sites_[((start + offset) % count + count) % count];
+    if (site.get() == current || !takesFocus(*site)) continue;
+    system_->ActivateForm(*this);
+    router_.Focus(site);
+    return true;
+  }
+  return false;
+}
+
 void FormWindow::Font(std::shared_ptr<velt::Font> font) {
   if (!font) throw Error(errObjectNotSet, "Form '" + name_ + "': Font set to nothing");
   font_ = std::move(font);

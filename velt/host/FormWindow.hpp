@@ -81,6 +81,11 @@ class FormWindow final : public WindowSystem::FormClient,
   void OnKeyDown(int16_t keyCode, int16_t shift) override;
   void OnKeyUp(int16_t keyCode, int16_t shift) override;
   void OnKeyPress(int16_t charCode) override;
+  std::string Caption() const override { return name_; }
+  void WindowMoved(int32_t x, int32_t y) override;
+  // Tab order: the form's own controls in the order they were added, skipping
+  // those that are hidden, disabled or wholly outside the client area.
+  bool FocusNext(bool backward) override;
 
  private:
   friend class DispatchScope;

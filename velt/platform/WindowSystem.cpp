@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/MemoryClipboard.hpp"
 #include "velt/platform/PopupWindow.hpp"
 
 namespace velt {
@@ -78,11 +79,13 @@ std::shared_ptr<PopupWindow> WindowSystem::makePopup(const std::string& name) {
 
 void WindowSystem::AttachForm(FormClient& form) {
   if (attached(&form)) return;
+  formAttached(form);
   forms_.push_back(&form);
   if (!activeForm_) activeForm_ = &form;
 }
 
 void WindowSystem::DetachForm(FormClient& form) {
+  if (attached(&form)) formDetached(form);
   std::erase(forms_, &form);
   if (captureForm_ == &form) captureForm_ = nullptr;
   if (activeForm_ == &form) activeForm_ = forms_.empty() ? nullptr : forms_.back();
@@ -94,6 +97,11 @@ void WindowSystem::ActivateForm(FormClient& form) {
 }
 
 void WindowSystem::FormChanged(FormClient&) {}
+
+velt::Clipboard& WindowSystem::Clipboard() {
+  if (!clipboard_) clipboard_ = std::make_unique<MemoryClipboard>();
+  return *clipboard_;
+}
 
 std::vector<WindowSystem::StackedWindow> WindowSystem::Stack() const {
   std::vector<StackedWindow> stack;

@@ -15,6 +15,7 @@
 namespace velt {
 
 class Canvas;
+class Clipboard;
 class PopupWindow;
 
 // A window system backend: the screen, the pointer and the buttons held, a
@@ -50,6 +51,14 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     virtual void OnKeyDown(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyUp(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyPress(int16_t charCode) = 0;
+    // The text of the window's title bar, for backends with real windows.
+    virtual std::string Caption() const { return {}; }
+    // The desktop placed or moved the window (a window manager, the user
+    // dragging it): its client area's top-left corner is now at (x, y).
+    virtual void WindowMoved(int32_t /*x*/, int32_t /*y*/) {}
+    // Moves the focus to the next (backward: previous) control that can take
+    // it, as the Tab key does; false when there is none to move to.
+    virtual bool FocusNext(bool /*backward*/) { return false; }
   };
 
   // One entry of the stack of windows: a form or a pop-up.
@@ -99,6 +108,9 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   std::shared_ptr<PopupWindow> FocusedPopup() const { return focusPopup_.lock(); }
   FormClient* ActiveForm() const { return activeForm_; }
 
+  // The desktop's clipboard; this base keeps one in memory.
+  virtual velt::Clipboard& Clipboard();
+
   // Lets pending input, posted work and due timers run once.
   virtual void DoEvents() = 0;
   // Work run by a later DoEvents, in the order posted.
@@ -118,6 +130,11 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   // Makes the window object for CreatePopup, which registers it. A backend
   // with real windows returns its own kind of PopupWindow.
   virtual std::shared_ptr<PopupWindow> makePopup(const std::string& name);
+
+  // A backend with real windows opens and closes the form's window here. An
+  // error thrown by formAttached leaves the form unattached.
+  virtual void formAttached(FormClient& /*form*/) {}
+  virtual void formDetached(FormClient& /*form*/) {}
 
   // The work posted before the call; work posted meanwhile waits.
   void runPostedWork();
@@ -161,6 +178,7 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   FormClient* activeForm_ = nullptr;
   std::set<int32_t> keysHeld_;
   std::deque<std::function<void()>> posted_;
+  std::unique_ptr<velt::Clipboard> clipboard_;
 };
 
 }  // namespace velt

@@ -1,0 +1,175 @@
+#include "apps/velt/SnapCommand.hpp"
+
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "apps/velt/EventPrinter.hpp"
+#include "apps/velt/PropertyArgument.hpp"
+#include "apps/velt/ScriptCommand.hpp"
+#include "apps/velt/ScriptError.hpp"
+#include "apps/velt/ScriptParser.hpp"
+#include "apps/velt/ScriptRunner.hpp"
+#include "apps/velt/SnapOptions.hpp"
+#include "apps/velt/SnapSession.hpp"
+#include "velt/controls/ControlClass.hpp"
+#include "velt/controls/ControlRegistry.hpp"
+#include "velt/platform/Error.hpp"
+
+namespace velt::tool {
+
+namespace {
+
+constexpr const char* kStandardInputName = "standard input";
+
+}  // namespace
+
+SnapCommand::SnapCommand(std::ostream& out, std::ostream& err, std::istream& in)
+    : out_(out), err_(err), in_(in) {}
+
+const char* SnapCommand::Usage() {
+  return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--input FILE|-]
+                      [--out FILE.png] [--screen] [--events]
+       velt snap --list
+       velt snap --help
+
+Puts CONTROL alone on a headless form at the screen's origin, sets the
+properties in order, plays the input script, then writes the PNG. Nothing is
+written without --out or a shot command.
+
+  --size WxH         the control's size in pixels, sides 1..4096 (default: the
+                     size that suits the control, 100x30 for veltButton)
+  --prop Name=Value  set a property once the control exists (repeatable).
+                     Value: an integer (decimal, &H or 0x hexadecimal), True
+                     or False, otherwise text. A font is given as
+                     Font=Name,Size[,bold][,italic][,underline][,strikethrough]
+                     (e.g. Font=DejaVu Sans,8.25,bold). Object properties
+                     (ImageList) cannot be given on the command line.
+  --input FILE|-     play the script in FILE (- reads standard input)
+  --out FILE.png     write the control's rectangle of the screen at the end
+  --screen           --out and shot write the whole screen, pop-ups included
+  --events           print each event the control raises, as it is raised:
+                     its name, then its arguments separated by spaces
+                     (integers in decimal, Singles without trailing zeros,
+                     True/False, strings in JSON quotes)
+  --list             print the controls snap can create, one a line
+
+Script: one command a line, # starts a comment. X and Y are pixels of the
+form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
+1 Shift, 2 Ctrl, 4 Alt (default: the keys 16, 17, 18 the script holds down).
+  move X Y              move the pointer there
+  down B X Y            press button B there (the pointer moves there first)
+  up B X Y              release button B there (the pointer moves there first)
+  click X Y             down 1 X Y, then up 1 X Y
+  keydown CODE [SHIFT]  a key goes down (CODE: virtual key code 0..255)
+  keyup CODE [SHIFT]    a key comes up
+  key CODE              keydown, the KeyPress of the character the key types
+                        on a US keyboard (when it types one), keyup
+  char CODE             a KeyPress of the character code (0..65535)
+  text STRING           a KeyPress per character
+  wait MS               move the clock on, firing the timers due on the way;
+                        the commands after it arrive once it has passed
+  focus                 give the control the focus
+  blur                  take the focus away from it
+  prop Name=Value       set a property, as --prop does
+  shot FILE.png         write a PNG now, as --out does
+Numbers are decimal, &H or 0x hexadecimal. The argument of text, prop and shot
+runs to the end of the line; written in JSON double quotes it may hold # and
+escapes. Between two commands the form runs its pending work ("wait 0" runs
+only that). The pointer starts off the control, at the bottom-right pixel of
+the screen (at least 1024x768).
+
+Everything is read and checked before anything runs: a bad argument, property
+or script line is reported (a line by its number and text) and nothing is
+written. An error while the script runs names the line; the PNGs of the shot
+lines before it have been written, --out has not.
+
+Exit status: 0 done, 2 bad usage, property, script or an error while running,
+1 unexpected failure.
+)";
+}
+
+int SnapCommand::Run(std::span<const std::string> arguments) {
+  try {
+    return run(SnapOptions::Parse(arguments));
+  } catch (const ScriptError& error) {
+    return fail(error.what(), kBadInput);
+  } catch (const Error& error) {
+    return fail(error.Description(), kBadInput);
+  } catch (const std::exception& error) {
+    return fail(std::string("unexpected failure: ") + error.what(), kFailure);
+  } catch (...) {
+    return fail("unexpected failure", kFailure);
+  }
+}
+
+int SnapCommand::run(const SnapOptions& options) {
+  if (options.Help) {
+    out_ << Usage();
+    return kOk;
+  }
+  if (options.List) {
+    listControls();
+    return kOk;
+  }
+  const ControlClass& controlClass = creatableClass(options.Control);
+  std::vector<PropertyArgument> properties;
+  for (const std::string& text : options.Properties) {
+    properties.push_back(PropertyArgument::Parse(text));
+    properties.back().ValueFor(controlClass);
+  }
+  std::string source;
+  const std::vector<ScriptCommand> script =
+      options.Input ? readScript(*options.Input, source) : std::vector<ScriptCommand>{};
+
+  SnapSession session(controlClass, options.Size.value_or(controlClass.DefaultSize()),
+                      options.Screen);
+  ScriptRunner runner(session.System(), session, source);
+  runner.Check(script);
+
+  std::optional<EventPrinter> printer;
+  if (options.Events) printer.emplace(session.ControlSite(), out_);
+  for (const PropertyArgument& property : properties)
+    session.SetProperty(property);
+  runner.Run(script);
+  if (options.Out) session.WritePng(*options.Out);
+  return kOk;
+}
+
+void SnapCommand::listControls() {
+  for (const std::string& name : ControlRegistry::Standard().CreatableNames())
+    out_ << name << '\n';
+}
+
+const ControlClass& SnapCommand::creatableClass(const std::string& name) const {
+  const ControlClass* controlClass = ControlRegistry::Standard().Find(name);
+  if (!controlClass)
+    throw Error(errInvalidProcedureCall,
+                "unknown control \"" + name + "\" (velt snap --list shows the controls)");
+  if (!controlClass->Creatable())
+    throw Error(errInvalidProcedureCall,
+                controlClass->Name() + " is a part of other controls, not created on its own");
+  return *controlClass;
+}
+
+std::vector<ScriptCommand> SnapCommand::readScript(const std::string& input, std::string& source) {
+  std::ostringstream text;
+  if (input == "-") {
+    source = kStandardInputName;
+    text << in_.rdbuf();
+  } else {
+    source = input;
+    std::ifstream file(input, std::ios::binary);
+    if (!file) throw Error(errFileNotFound, "cannot open the input script \"" + input + "\"");
+    text << file.rdbuf();
+  }
+  return ScriptParser::Parse(text.str(), source);
+}
+
+int SnapCommand::fail(const std::string& message, int status) {
+  err_ << "velt snap: " << message << std::endl;
+  return status;
+}
+
+}  // namespace velt::tool

@@ -1,0 +1,126 @@
+#include "apps/velt/SnapOptions.hpp"
+
+#include "velt/platform/Error.hpp"
+
+namespace velt::tool {
+
+namespace {
+
+[[noreturn]] void usageProblem(const std::string& text) {
+  throw Error(errInvalidProcedureCall, text + " (see velt snap --help)");
+}
+
+// Walks the arguments, splitting "--name=value" into the name and its value.
+class ArgumentReader {
+ public:
+  explicit ArgumentReader(std::span<const std::string> arguments) : arguments_(arguments) {}
+
+  bool Next() {
+    if (index_ >= arguments_.size()) return false;
+    const std::string& argument = arguments_[index_++];
+    const size_t equals = argument.find('=');
+    if (argument.rfind("--", 0) == 0 && equals != std::string::npos) {
+      word_ = argument.substr(0, equals);
+      inlineValue_ = argument.substr(equals + 1);
+    } else {
+      word_ = argument;
+      inlineValue_.reset();
+    }
+    return true;
+  }
+
+  const std::string& Word() const { return word_; }
+  bool IsOption() const { return word_.size() > 1 && word_[0] == '-'; }
+
+  std::string Value() {
+    if (inlineValue_) return *inlineValue_;
+    if (index_ >= arguments_.size()) usageProblem(word_ + " needs a value");
+    return arguments_[index_++];
+  }
+
+  void NoValue() const {
+    if (inlineValue_) usageProblem(word_ + " takes no value");
+  }
+
+ private:
+  std::span<const std::string> arguments_;
+  size_t index_ = 0;
+  std::string word_;
+  std::optional<std::string> inlineValue_;
+};
+
+template <typename T>
+void setOnce(std::optional<T>& target, T value, const std::string& option) {
+  if (target) usageProblem(option + " given twice");
+  target = std::move(value);
+}
+
+int32_t side(std::string_view text, std::string_view whole) {
+  constexpr size_t kMaxDigits = 5;
+  bool digits = !text.empty() && text.size() <= kMaxDigits;
+  int32_t value = 0;
+  for (char c : text) {
+    digits = digits && c >= '0' && c <= '9';
+    value = value * 10 + (c - '0');
+  }
+  if (!digits || value < 1 || value > SnapOptions::kMaxSide)
+    usageProblem("size \"" + std::string(whole) + "\" is not WxH with sides 1.." +
+                 std::to_string(SnapOptions::kMaxSide));
+  return value;
+}
+
+void readOption(ArgumentReader& reader, SnapOptions& options) {
+  const std::string& word = reader.Word();
+  if (word == "--size") {
+    setOnce(options.Size, SnapOptions::ParseSize(reader.Value()), word);
+  } else if (word == "--prop") {
+    options.Properties.push_back(reader.Value());
+  } else if (word == "--input") {
+    setOnce(options.Input, reader.Value(), word);
+  } else if (word == "--out") {
+    setOnce(options.Out, reader.Value(), word);
+  } else if (word == "--screen") {
+    reader.NoValue();
+    options.Screen = true;
+  } else if (word == "--events") {
+    reader.NoValue();
+    options.Events = true;
+  } else if (word == "--list") {
+    reader.NoValue();
+    options.List = true;
+  } else if (word == "--help" || word == "-h") {
+    reader.NoValue();
+    options.Help = true;
+  } else {
+    usageProblem("unknown option " + word);
+  }
+}
+
+}  // namespace
+
+SnapOptions SnapOptions::Parse(std::span<const std::string> arguments) {
+  SnapOptions options;
+  ArgumentReader reader(arguments);
+  while (reader.Next()) {
+    if (reader.IsOption()) {
+      readOption(reader, options);
+    } else if (options.Control.empty()) {
+      options.Control = reader.Word();
+    } else {
+      usageProblem("one control at a time: \"" + options.Control + "\" and \"" + reader.Word() +
+                   "\"");
+    }
+  }
+  if (options.Help || options.List) return options;
+  if (options.Control.empty()) usageProblem("no control named");
+  return options;
+}
+
+SizeL SnapOptions::ParseSize(std::string_view text) {
+  const size_t cross = text.find_first_of("xX");
+  if (cross == std::string_view::npos)
+    usageProblem("size \"" + std::string(text) + "\" is not WxH");
+  return SizeL{side(text.substr(0, cross), text), side(text.substr(cross + 1), text)};
+}
+
+}  // namespace velt::tool

@@ -1,0 +1,152 @@
+// The control registry: which classes exist and can be made, and properties by
+// name going through the control's own getters and setters.
+
+#include "velt/controls/ControlRegistry.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "support/HeadlessForm.hpp"
+#include "support/Pixels.hpp"
+#include "velt/controls/buttons/veltButton.hpp"
+#include "velt/controls/buttons/veltXButton.hpp"
+#include "velt/platform/Error.hpp"
+#include "velt/platform/ImageList.hpp"
+
+namespace velt {
+namespace {
+
+const ControlRegistry& registry() {
+  return ControlRegistry::Standard();
+}
+
+int errorNumberOf(const std::function<void()>& action, std::string* message = nullptr) {
+  try {
+    action();
+  } catch (const Error& error) {
+    if (message) *message = error.Description();
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(ControlRegistryTest, ListsOnlyCreatableClassesAndKeepsPartsInternal) {
+  const auto names = registry().CreatableNames();
+  EXPECT_NE(std::find(names.begin(), names.end(), "veltButton"), names.end());
+  EXPECT_EQ(std::find(names.begin(), names.end(), "veltXButton"), names.end());
+
+  std::string message;
+  EXPECT_EQ(errorNumberOf([] { registry().Create("veltXButton"); }, &message), 5);
+  EXPECT_NE(message.find("veltXButton"), std::string::npos) << message;
+  ASSERT_NE(registry().Find("veltXButton"), nullptr);
+  EXPECT_FALSE(registry().Find("veltXButton")->Creatable());
+}
+
+TEST(ControlRegistryTest, UnknownNamesAreErrorsNamingThem) {
+  EXPECT_EQ(registry().Find("veltNothing"), nullptr);
+  std::string message;
+  EXPECT_EQ(errorNumberOf([] { registry().Create("veltNothing"); }, &message), 5);
+  EXPECT_NE(message.find("veltNothing"), std::string::npos) << message;
+  EXPECT_EQ(
+      errorNumberOf([] { registry().ClassNamed("veltButton").PropertyNamed("Shape"); }, &message),
+      5);
+  EXPECT_NE(message.find("Shape"), std::string::npos) << message;
+}
+
+TEST(ControlRegistryTest, CreatesTheClassNamedInAnyLetterCase) {
+  const std::shared_ptr<UserControl> control = registry().Create("VELTBUTTON");
+  ASSERT_NE(std::dynamic_pointer_cast<veltButton>(control), nullptr);
+  EXPECT_EQ(registry().ClassNamed("veltbutton").DefaultSize(), (SizeL{100, 30}));
+  EXPECT_EQ(&registry().ClassOf(*control), registry().Find("veltButton"));
+}
+
+class RegistryPropertyTest : public ::testing::Test {
+ protected:
+  RegistryPropertyTest() {
+    button = hf.form.Add<veltButton>("veltButton1", 0, 0, 100, 30);
+    site = hf.form.FindSite("veltButton1");
+    site->ClearChangedProperties();
+  }
+  const ControlClass& buttonClass = registry().ClassNamed("veltButton");
+  test::HeadlessForm hf;
+  std::shared_ptr<veltButton> button;
+  Site* site = nullptr;
+};
+
+TEST_F(RegistryPropertyTest, ButtonHasItsPropertiesInTableOrder) {
+  std::vector<std::string> names;
+  for (const auto& property : buttonClass.Properties())
+    names.push_back(property.Name);
+  EXPECT_EQ(names, (std::vector<std::string>{"BackColor", "ForeColor", "Enabled", "Font", "Caption",
+                                             "TabSelectColor", "ImageList", "ImageIndex"}));
+}
+
+TEST_F(RegistryPropertyTest, SettingGoesThroughTheSetterAndRepaints) {
+  const Canvas before = site->Surface();
+  buttonClass.SetProperty(*button, "backcolor", Variant(int32_t{0x204080}));
+  EXPECT_EQ(button->BackColor(), 0x204080u);
+  EXPECT_EQ(site->ChangedProperties(), (std::vector<std::string>{"BackColor"}));
+  EXPECT_FALSE(test::DifferenceBox(site->Surface(), before).Empty());
+
+  buttonClass.SetProperty(*button, "Caption", Variant(int32_t{42}));
+  EXPECT_EQ(button->Caption(), "42");
+  buttonClass.SetProperty(*button, "Enabled", Variant("False"));
+  EXPECT_FALSE(button->Enabled());
+  buttonClass.SetProperty(*button, "ImageIndex", Variant("3"));
+  EXPECT_EQ(button->ImageIndex(), 3);
+  auto font = std::make_shared<Font>("DejaVu Sans", 12.0f);
+  buttonClass.SetProperty(*button, "Font", Variant(font));
+  EXPECT_EQ(button->Font(), font);
+}
+
+TEST_F(RegistryPropertyTest, GettingReturnsTheTypedValue) {
+  button->TabSelectColor(0x00FF00);
+  const Variant color = buttonClass.GetProperty(*button, "TabSelectColor");
+  EXPECT_EQ(color.Type(), VariantType::Color);
+  EXPECT_EQ(color.ToColor(), 0x00FF00u);
+  EXPECT_EQ(buttonClass.GetProperty(*button, "Caption").ToString(), "veltButton1");
+  EXPECT_EQ(buttonClass.GetProperty(*button, "ImageList").TypeName(), "Nothing");
+}
+
+TEST_F(RegistryPropertyTest, ImageListTakesOnlyImageLists) {
+  auto list = std::make_shared<ImageList>();
+  buttonClass.SetProperty(*button, "ImageList", Variant(std::shared_ptr<Object>(list)));
+  EXPECT_EQ(button->ImageList(), list);
+  buttonClass.SetProperty(*button, "ImageList", Variant(nullptr));
+  EXPECT_EQ(button->ImageList(), nullptr);
+
+  std::string message;
+  EXPECT_EQ(
+      errorNumberOf([&] { buttonClass.SetProperty(*button, "ImageList", Variant("x")); }, &message),
+      13);
+  EXPECT_NE(message.find("veltButton.ImageList"), std::string::npos) << message;
+}
+
+TEST_F(RegistryPropertyTest, BadValuesAreErrorsNamingThePropertyAndChangeNothing) {
+  std::string message;
+  EXPECT_EQ(errorNumberOf([&] { buttonClass.SetProperty(*button, "ImageIndex", Variant("abc")); },
+                          &message),
+            13);
+  EXPECT_NE(message.find("veltButton.ImageIndex"), std::string::npos) << message;
+  EXPECT_EQ(
+      errorNumberOf([&] { buttonClass.Convert("ImageIndex", Variant(int32_t{70000})); }, &message),
+      6);
+  EXPECT_NE(message.find("ImageIndex"), std::string::npos) << message;
+  EXPECT_EQ(button->ImageIndex(), 0);
+  EXPECT_TRUE(site->ChangedProperties().empty());
+}
+
+TEST_F(RegistryPropertyTest, AControlOfAnotherClassIsRefused) {
+  auto glyph = hf.form.Add<veltXButton>("Glyph", 0, 40, 17, 17);
+  EXPECT_EQ(errorNumberOf([&] { buttonClass.SetProperty(*glyph, "Caption", Variant("5")); }), 13);
+  EXPECT_EQ(glyph->Caption(), "Glyph");
+  registry().ClassOf(*glyph).SetProperty(*glyph, "Caption", Variant("5"));
+  EXPECT_EQ(glyph->Caption(), "5");
+}
+
+}  // namespace
+}  // namespace velt

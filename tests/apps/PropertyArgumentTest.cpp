@@ -1,0 +1,153 @@
+// Properties given as text: how values read, fonts, and applying them to a
+// button through the registry.
+
+#include "apps/velt/PropertyArgument.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "support/HeadlessForm.hpp"
+#include "velt/controls/ControlRegistry.hpp"
+#include "velt/controls/buttons/veltButton.hpp"
+#include "velt/platform/Error.hpp"
+#include "velt/platform/Font.hpp"
+
+namespace velt::tool {
+namespace {
+
+::testing::AssertionResult IsLong(const Variant& value, int32_t expected) {
+  if (value.Type() == VariantType::Long && value.ToLong() == expected)
+    return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << value.TypeName() << " " << value.ToString();
+}
+
+int32_t errorNumberOf(const std::function<void()>& action, std::string* message = nullptr) {
+  try {
+    action();
+  } catch (const Error& error) {
+    if (message) *message = error.Description();
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(PropertyArgumentTest, IntegersInDecimalAndBothHexNotations) {
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("42"), 42));
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("-7"), -7));
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("&HFF"), 255));
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("&hffff"), 65535));  // not the 16-bit -1
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("0x0096E7"), 0x0096E7));
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("0XC00000"), 0xC00000));
+  // A system colour keeps its bit pattern.
+  EXPECT_EQ(PropertyArgument::ParseValue("&H8000000F").ToColor(), 0x8000000Fu);
+  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("2147483647"), 2147483647));
+}
+
+TEST(PropertyArgumentTest, IntegersThatDoNotFitOverflow) {
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("2147483648"); }), 6);
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("&H100000000"); }), 6);
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("99999999999999999999999"); }), 6);
+}
+
+TEST(PropertyArgumentTest, BooleansAndText) {
+  const Variant yes = PropertyArgument::ParseValue("True");
+  EXPECT_EQ(yes.Type(), VariantType::Boolean);
+  EXPECT_TRUE(yes.ToBoolean());
+  EXPECT_FALSE(PropertyArgument::ParseValue("FALSE").ToBoolean());
+  EXPECT_EQ(PropertyArgument::ParseValue("FALSE").Type(), VariantType::Boolean);
+  for (const char* text : {"Hello world", "8.25", "&H", "0xZZ", "", "-", "+5", " 5", "Truely"}) {
+    const Variant value = PropertyArgument::ParseValue(text);
+    EXPECT_EQ(value.Type(), VariantType::String) << text;
+    EXPECT_EQ(value.ToString(), text);
+  }
+}
+
+TEST(PropertyArgumentTest, NameAndValueSplitAtTheFirstEquals) {
+  const PropertyArgument argument = PropertyArgument::Parse("Caption=a=b");
+  EXPECT_EQ(argument.Name(), "Caption");
+  EXPECT_EQ(argument.Text(), "a=b");
+  EXPECT_EQ(argument.Value().ToString(), "a=b");
+  EXPECT_EQ(PropertyArgument::Parse("Caption=").Value().ToString(), "");
+
+  std::string message;
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("Caption"); }, &message), 5);
+  EXPECT_NE(message.find("Caption"), std::string::npos);
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("=5"); }), 5);
+  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("ImageIndex=4294967296"); }, &message), 6);
+  EXPECT_NE(message.find("ImageIndex"), std::string::npos);
+}
+
+TEST(PropertyArgumentTest, FontsByNameSizeAndStyles) {
+  const auto font = PropertyArgument::ParseFont("DejaVu Serif, 12.5, bold ,Italic");
+  EXPECT_EQ(font->Name(), "DejaVu Serif");
+  EXPECT_FLOAT_EQ(font->Size(), 12.5f);
+  EXPECT_TRUE(font->Bold());
+  EXPECT_TRUE(font->Italic());
+  EXPECT_FALSE(font->Underline());
+  const auto plain = PropertyArgument::ParseFont("Mono,9,underline,strikethrough");
+  EXPECT_FALSE(plain->Bold());
+  EXPECT_TRUE(plain->Underline());
+  EXPECT_TRUE(plain->Strikethrough());
+
+  for (const char* bad : {"", ",9", "Mono", "Mono,big", "Mono,0", "Mono,9,heavy"}) {
+    std::string message;
+    EXPECT_EQ(errorNumberOf([&] { PropertyArgument::ParseFont(bad); }, &message), 380) << bad;
+    EXPECT_NE(message.find("font"), std::string::npos) << message;
+  }
+}
+
+class ApplyPropertyTest : public ::testing::Test {
+ protected:
+  ApplyPropertyTest() { button = hf.form.Add<veltButton>("veltButton1", 0, 0, 100, 30); }
+  void apply(const std::string& text) {
+    PropertyArgument::Parse(text).ApplyTo(buttonClass, *button);
+  }
+
+  const ControlClass& buttonClass = ControlRegistry::Standard().ClassNamed("veltButton");
+  test::HeadlessForm hf;
+  std::shared_ptr<veltButton> button;
+};
+
+TEST_F(ApplyPropertyTest, EveryKindOfButtonPropertyFromText) {
+  apply("BackColor=&H204080");
+  apply("ForeColor=0xFF");
+  apply("TabSelectColor=255");
+  apply("Caption=OK then");
+  apply("ImageIndex=2");
+  apply("Enabled=False");
+  apply("Font=DejaVu Sans,10,bold");
+  EXPECT_EQ(button->BackColor(), 0x204080u);
+  EXPECT_EQ(button->ForeColor(), 0xFFu);
+  EXPECT_EQ(button->TabSelectColor(), 255u);
+  EXPECT_EQ(button->Caption(), "OK then");
+  EXPECT_EQ(button->ImageIndex(), 2);
+  EXPECT_FALSE(button->Enabled());
+  EXPECT_EQ(button->Font()->Name(), "DejaVu Sans");
+  EXPECT_FLOAT_EQ(button->Font()->Size(), 10.0f);
+  EXPECT_TRUE(button->Font()->Bold());
+  // The font object is the host's, shared by reference.
+  EXPECT_EQ(button->Font(), hf.form.FindSite("veltButton1")->Font());
+}
+
+TEST_F(ApplyPropertyTest, MistakesNameThePropertyAndLeaveItAsItWas) {
+  struct Case {
+    const char* text;
+    int32_t number;
+    const char* named;
+  };
+  for (const Case& c :
+       {Case{"Colour=5", 5, "Colour"}, Case{"ImageIndex=abc", 13, "ImageIndex"},
+        Case{"ImageIndex=40000", 6, "ImageIndex"}, Case{"Enabled=maybe", 13, "Enabled"},
+        Case{"ImageList=list1", 13, "ImageList"}, Case{"Font=DejaVu Sans", 380, "Font"}}) {
+    std::string message;
+    EXPECT_EQ(errorNumberOf([&] { apply(c.text); }, &message), c.number) << c.text;
+    EXPECT_NE(message.find(c.named), std::string::npos) << message;
+  }
+  EXPECT_EQ(button->ImageIndex(), 0);
+  EXPECT_TRUE(button->Enabled());
+}
+
+}  // namespace
+}  // namespace velt::tool

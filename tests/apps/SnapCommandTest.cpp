@@ -1,0 +1,116 @@
+// The snap command line, and whole runs of the command with its output and
+// exit status.
+
+#include "apps/velt/SnapCommand.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "apps/velt/SnapOptions.hpp"
+#include "velt/platform/Error.hpp"
+
+namespace velt::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+SnapOptions parse(std::vector<std::string> arguments) {
+  return SnapOptions::Parse(arguments);
+}
+
+std::string usageProblemOf(std::vector<std::string> arguments) {
+  try {
+    parse(std::move(arguments));
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), 5);
+    return error.Description();
+  }
+  return "";
+}
+
+TEST(SnapOptionsTest, ReadsEveryOptionInEitherSpelling) {
+  const SnapOptions options =
+      parse({"--size", "80x24", "veltButton", "--prop", "Caption=a b", "--prop=Enabled=False",
+             "--input=-", "--out", "x.png", "--screen", "--events"});
+  EXPECT_EQ(options.Control, "veltButton");
+  EXPECT_EQ(options.Size, (SizeL{80, 24}));
+  EXPECT_EQ(options.Properties, (std::vector<std::string>{"Caption=a b", "Enabled=False"}));
+  EXPECT_EQ(options.Input, "-");
+  EXPECT_EQ(options.Out, "x.png");
+  EXPECT_TRUE(options.Screen);
+  EXPECT_TRUE(options.Events);
+  EXPECT_FALSE(parse({"veltButton"}).Size.has_value());
+  EXPECT_TRUE(parse({"--list"}).List);
+  EXPECT_TRUE(parse({"--help"}).Help);
+}
+
+TEST(SnapOptionsTest, MistakesAreUsageErrorsNamingTheArgument) {
+  EXPECT_NE(usageProblemOf({}).find("no control"), std::string::npos);
+  EXPECT_NE(usageProblemOf({"a", "b"}).find("\"b\""), std::string::npos);
+  EXPECT_NE(usageProblemOf({"veltButton", "--colour"}).find("--colour"), std::string::npos);
+  EXPECT_NE(usageProblemOf({"veltButton", "--out"}).find("--out needs a value"), std::string::npos);
+  EXPECT_NE(usageProblemOf({"veltButton", "--out=a", "--out=b"}).find("twice"), std::string::npos);
+  EXPECT_NE(usageProblemOf({"veltButton", "--events=yes"}).find("no value"), std::string::npos);
+  for (const char* size : {"80", "80x", "x24", "0x24", "80x4097", "-8x24", "8.5x24", "0x10x20"})
+    EXPECT_NE(usageProblemOf({"veltButton", "--size", size}).find(size), std::string::npos) << size;
+  EXPECT_EQ(SnapOptions::ParseSize("4096X1"), (SizeL{4096, 1}));
+}
+
+class SnapCommandTest : public ::testing::Test {
+ protected:
+  SnapCommandTest() { fs::create_directories(dir); }
+  ~SnapCommandTest() override { fs::remove_all(dir); }
+
+  int run(std::vector<std::string> arguments, const std::string& script = "") {
+    in.str(script);
+    SnapCommand command(out, err, in);
+    return command.Run(arguments);
+  }
+  std::string path(const char* name) const { return (dir / name).string(); }
+
+  fs::path dir = fs::temp_directory_path() / ("velt-snap-test-" + std::to_string(getpid()));
+  std::ostringstream out;
+  std::ostringstream err;
+  std::istringstream in;
+};
+
+TEST_F(SnapCommandTest, PrintsEventsAndWritesTheControlsPicture) {
+  EXPECT_EQ(run({"veltButton", "--size", "60x20", "--input", "-", "--events", "--out",
+                 path("out.png"), "--prop", "Caption=Go"},
+                "click 30 10\nprop Caption=Gone\nshot " + path("shot.png") + "\n"),
+            0)
+      << err.str();
+  EXPECT_EQ(out.str(), "MouseMove 0 0 30 10\nMouseDown 1 0 30 10\nClick\nMouseUp 1 0 30 10\n");
+  EXPECT_TRUE(fs::exists(path("out.png")));
+  EXPECT_TRUE(fs::exists(path("shot.png")));
+}
+
+TEST_F(SnapCommandTest, BadInputIsStatusTwoAndWritesNothing) {
+  const std::string outFile = path("out.png");
+  const std::string script = "shot " + path("early.png") + "\nclick 1 1\nprop ImageIndex=x\n";
+  EXPECT_EQ(run({"veltButton", "--input", "-", "--out", outFile}, script), 2);
+  EXPECT_NE(err.str().find("velt snap: standard input line 3 \"prop ImageIndex=x\""),
+            std::string::npos)
+      << err.str();
+  EXPECT_EQ(run({"veltButton", "--prop", "Caption", "--out", outFile}), 2);
+  EXPECT_EQ(run({"veltButton", "--input", path("missing.txt"), "--out", outFile}), 2);
+  EXPECT_EQ(run({"veltButton", "--events", "--out", outFile, "--prop", "Enabled=sometimes"}), 2);
+  EXPECT_TRUE(fs::is_empty(dir));
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(SnapCommandTest, AFailureWhileRunningKeepsEarlierShotsOnly) {
+  const std::string script = "shot " + path("early.png") + "\nprop Enabled=False\nfocus\n";
+  EXPECT_EQ(run({"veltButton", "--input", "-", "--out", path("out.png")}, script), 2);
+  EXPECT_NE(err.str().find("line 3 \"focus\""), std::string::npos) << err.str();
+  EXPECT_TRUE(fs::exists(path("early.png")));
+  EXPECT_FALSE(fs::exists(path("out.png")));
+}
+
+}  // namespace
+}  // namespace velt::tool

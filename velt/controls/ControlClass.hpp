@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velt/platform/Geometry.hpp"
+#include "velt/platform/Variant.hpp"
+
+namespace velt {
+
+class UserControl;
+
+// What tools and form files know about one control class: how to make one,
+// the size it suits, and its properties by name, each with its value type and
+// the control's own getter and setter (so setting one repaints and reports the
+// change exactly as calling the setter does). Property names match in any
+// letter case. A class without a factory is internal: a part other controls
+// build themselves from, never created on its own.
+class ControlClass {
+ public:
+  struct Property {
+    std::string Name;
+    VariantType Type = VariantType::Empty;
+    std::function<Variant(const UserControl&)> Get;
+    std::function<void(UserControl&, const Variant&)> Set;
+  };
+  using Factory = std::function<std::shared_ptr<UserControl>()>;
+
+  ControlClass(std::string name, SizeL defaultSize, Factory factory,
+               std::vector<Property> properties);
+
+  // Class and property names compare this way: ASCII letters in any case.
+  static bool NamesMatch(std::string_view a, std::string_view b);
+
+  const std::string& Name() const { return name_; }
+  bool Creatable() const { return static_cast<bool>(factory_); }
+  SizeL DefaultSize() const { return defaultSize_; }
+  // A new control of the class; error 5 for an internal class.
+  std::shared_ptr<UserControl> Create() const;
+
+  const std::vector<Property>& Properties() const { return properties_; }
+  const Property* FindProperty(std::string_view name) const;  // nullptr when unknown
+  // Error 5 naming the class and the property when it has no such property.
+  const Property& PropertyNamed(std::string_view name) const;
+
+  // The value as the property's type. Errors (13 type mismatch, 6 overflow, 5
+  // unknown property) name the class and the property.
+  Variant Convert(std::string_view property, const Variant& value) const;
+  // Errors from the control (and 13 for a control of another class) name the
+  // property as well.
+  Variant GetProperty(const UserControl& control, std::string_view property) const;
+  void SetProperty(UserControl& control, std::string_view property, const Variant& value) const;
+
+ private:
+  void checkClassOf(const UserControl& control, const Property& property) const;
+  [[noreturn]] void rethrowNaming(const Property& property) const;
+
+  std::string name_;
+  SizeL defaultSize_;
+  Factory factory_;
+  std::vector<Property> properties_;
+};
+
+}  // namespace velt
