@@ -3,54 +3,22 @@
 #include <string>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/Utf8.hpp"
 
 namespace velt {
 
 namespace {
 
-constexpr char32_t kNotDecoded = 0xFFFFFFFF;
-
+// A byte that starts no well-formed sequence counts as one character.
 struct Decoded {
-  char32_t codePoint;  // kNotDecoded for a byte that starts no valid sequence
-  size_t length;       // bytes taken, at least 1
+  char32_t codePoint;
+  size_t length;
+  bool valid;
 };
 
-bool inRange(std::string_view text, size_t pos, unsigned char low, unsigned char high) {
-  if (pos >= text.size()) return false;
-  const auto byte = static_cast<unsigned char>(text[pos]);
-  return byte >= low && byte <= high;
-}
-
-// The well-formed sequences of UTF-8: the second byte's range depends on the
-// lead byte (no overlong forms, no surrogates, nothing above U+10FFFF).
 Decoded decodeAt(std::string_view text, size_t pos) {
-  const auto lead = static_cast<unsigned char>(text[pos]);
-  if (lead < 0x80) return {lead, 1};
-  size_t length = 0;
-  unsigned char secondLow = 0x80;
-  unsigned char secondHigh = 0xBF;
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    if (lead == 0xE0) secondLow = 0xA0;
-    if (lead == 0xED) secondHigh = 0x9F;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    if (lead == 0xF0) secondLow = 0x90;
-    if (lead == 0xF4) secondHigh = 0x8F;
-  } else {
-    return {kNotDecoded, 1};
-  }
-  if (!inRange(text, pos + 1, secondLow, secondHigh)) return {kNotDecoded, 1};
-  for (size_t i = 2; i < length; ++i) {
-    if (!inRange(text, pos + i, 0x80, 0xBF)) return {kNotDecoded, 1};
-  }
-  char32_t codePoint = lead & (0x7F >> length);
-  for (size_t i = 1; i < length; ++i) {
-    codePoint = (codePoint << 6) | (static_cast<unsigned char>(text[pos + i]) & 0x3F);
-  }
-  return {codePoint, length};
+  const Utf8::Decoded decoded = Utf8::DecodeAt(text, pos);
+  return {decoded.codePoint, decoded.valid ? decoded.length : 1, decoded.valid};
 }
 
 size_t charLength(std::string_view text, size_t pos) {
@@ -65,24 +33,6 @@ size_t skipChars(std::string_view text, size_t pos, int64_t count) {
     --count;
   }
   return pos;
-}
-
-void appendUtf8(std::string& out, char32_t codePoint) {
-  if (codePoint < 0x80) {
-    out += static_cast<char>(codePoint);
-  } else if (codePoint < 0x800) {
-    out += static_cast<char>(0xC0 | (codePoint >> 6));
-    out += static_cast<char>(0x80 | (codePoint & 0x3F));
-  } else if (codePoint < 0x10000) {
-    out += static_cast<char>(0xE0 | (codePoint >> 12));
-    out += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (codePoint & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (codePoint >> 18));
-    out += static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (codePoint & 0x3F));
-  }
 }
 
 void requireNotNegative(const char* routine, const char* what, int32_t value) {
@@ -146,10 +96,10 @@ std::string mapCase(std::string_view text, Map map) {
   size_t pos = 0;
   while (pos < text.size()) {
     const Decoded decoded = decodeAt(text, pos);
-    if (decoded.codePoint == kNotDecoded) {
+    if (!decoded.valid) {
       out += text[pos];
     } else {
-      appendUtf8(out, map(decoded.codePoint));
+      Utf8::Append(out, map(decoded.codePoint));
     }
     pos += decoded.length;
   }

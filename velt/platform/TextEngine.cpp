@@ -1,5 +1,7 @@
 #include "velt/platform/TextEngine.hpp"
 
+#include "velt/platform/Utf8.hpp"
+
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -12,12 +14,12 @@
 #include "velt/platform/FontResolver.hpp"
 #include "velt/platform/GlyphCache.hpp"
 #include "velt/platform/SymbolFont.hpp"
+#include "velt/platform/Utf8.hpp"
 
 namespace velt {
 
 namespace {
 
-constexpr char32_t kReplacementCharacter = 0xFFFD;
 constexpr int32_t kRegularWeight = 400;
 constexpr int32_t kBoldWeight = 550;  // where Font::Bold starts
 
@@ -29,59 +31,13 @@ class Utf8Reader {
 
   bool Next(char32_t& codePoint) {
     if (pos_ >= text_.size()) return false;
-    const auto lead = byteAt(pos_);
-    if (lead < 0x80) {
-      codePoint = lead;
-      ++pos_;
-      return true;
-    }
-    int32_t length = 0;
-    uint8_t low = 0x80;
-    uint8_t high = 0xBF;
-    if (!sequenceShape(lead, length, low, high)) return replace(1, codePoint);
-    char32_t value = lead & (0xFF >> (length + 1));
-    for (int32_t i = 1; i < length; ++i) {
-      if (pos_ + i >= text_.size()) return replace(i, codePoint);
-      const auto next = byteAt(pos_ + i);
-      if (next < low || next > high) return replace(i, codePoint);
-      value = (value << 6) | (next & 0x3F);
-      low = 0x80;
-      high = 0xBF;
-    }
-    codePoint = value;
-    pos_ += static_cast<size_t>(length);
+    const Utf8::Decoded decoded = Utf8::DecodeAt(text_, pos_);
+    codePoint = decoded.codePoint;
+    pos_ += decoded.length;
     return true;
   }
 
  private:
-  uint8_t byteAt(size_t i) const { return static_cast<uint8_t>(text_[i]); }
-
-  bool replace(int32_t consumed, char32_t& codePoint) {
-    pos_ += static_cast<size_t>(consumed);
-    codePoint = kReplacementCharacter;
-    return true;
-  }
-
-  // Length of the sequence a lead byte starts and the range its second byte
-  // must fall in (which rules out overlong forms, surrogates and values above
-  // U+10FFFF).
-  static bool sequenceShape(uint8_t lead, int32_t& length, uint8_t& low, uint8_t& high) {
-    if (lead >= 0xC2 && lead <= 0xDF) {
-      length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-      length = 3;
-      if (lead == 0xE0) low = 0xA0;
-      if (lead == 0xED) high = 0x9F;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-      length = 4;
-      if (lead == 0xF0) low = 0x90;
-      if (lead == 0xF4) high = 0x8F;
-    } else {
-      return false;
-    }
-    return true;
-  }
-
   std::string_view text_;
   size_t pos_ = 0;
 };

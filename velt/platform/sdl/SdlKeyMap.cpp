@@ -1,5 +1,7 @@
 #include "velt/platform/sdl/SdlKeyMap.hpp"
 
+#include "velt/platform/Utf8.hpp"
+
 #include <SDL.h>
 
 #include <array>
@@ -16,7 +18,6 @@ constexpr int16_t kVkReturn = 13;
 constexpr int16_t kVkEscape = 27;
 constexpr int16_t kVkA = 65;
 constexpr int16_t kVkZ = 90;
-constexpr uint32_t kReplacement = 0xFFFD;
 
 struct KeyPair {
   int32_t from;
@@ -94,33 +95,6 @@ int16_t byPosition(int32_t scancode) {
   return lookUp(kPositions, scancode);
 }
 
-// The code point at text[at] and the length of its sequence; malformed input
-// gives U+FFFD for one byte.
-std::pair<uint32_t, size_t> decode(std::string_view text, size_t at) {
-  const auto byte = [&text](size_t i) { return static_cast<uint8_t>(text[i]); };
-  const uint8_t lead = byte(at);
-  if (lead < 0x80) return {lead, 1};
-  size_t length = 0;
-  uint32_t min = 0;
-  uint32_t code = 0;
-  if ((lead & 0xE0) == 0xC0) {
-    length = 2, min = 0x80, code = lead & 0x1F;
-  } else if ((lead & 0xF0) == 0xE0) {
-    length = 3, min = 0x800, code = lead & 0x0F;
-  } else if ((lead & 0xF8) == 0xF0) {
-    length = 4, min = 0x10000, code = lead & 0x07;
-  } else {
-    return {kReplacement, 1};
-  }
-  if (at + length > text.size()) return {kReplacement, 1};
-  for (size_t i = 1; i < length; ++i) {
-    if ((byte(at + i) & 0xC0) != 0x80) return {kReplacement, 1};
-    code = (code << 6) | (byte(at + i) & 0x3F);
-  }
-  if (code < min || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return {kReplacement, 1};
-  return {code, length};
-}
-
 int16_t unit(uint32_t value) {
   return static_cast<int16_t>(static_cast<uint16_t>(value));
 }
@@ -163,8 +137,10 @@ int16_t SdlKeyMap::ControlCharacter(int16_t keyCode, int16_t shift) {
 std::vector<int16_t> SdlKeyMap::TextCharacters(std::string_view utf8) {
   std::vector<int16_t> codes;
   for (size_t at = 0; at < utf8.size();) {
-    const auto [code, length] = decode(utf8, at);
-    at += length;
+    // A malformed byte is one U+FFFD, as a text field shows it.
+    const Utf8::Decoded decoded = Utf8::DecodeAt(utf8, at);
+    const uint32_t code = decoded.codePoint;
+    at += decoded.valid ? decoded.length : 1;
     if (code < 0x10000) {
       codes.push_back(unit(code));
     } else {
