@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Png.hpp"
 #include "velt/platform/SystemColors.hpp"
@@ -14,16 +15,7 @@
 namespace velt {
 namespace {
 
-std::string errorOf(int32_t number, const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), number) << error.what();
-    return error.Description();
-  }
-  ADD_FAILURE() << "no error " << number << " raised";
-  return {};
-}
+using test::errorOf;
 
 std::shared_ptr<Picture> filled(int32_t width, int32_t height, uint32_t argb) {
   return std::make_shared<Picture>(

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Error.hpp"
 
 namespace velt {
@@ -17,16 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string errorOf(int32_t number, const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), number) << error.what();
-    return error.Description();
-  }
-  ADD_FAILURE() << "no error " << number << " raised";
-  return {};
-}
+using test::errorOf;
 
 // A small PNG writer of its own (stored deflate blocks), so the reader is tested
 // on colour types and layouts the library's writer never produces.

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Picture.hpp"
 
@@ -16,16 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-std::string errorOf(int32_t number, const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), number) << error.what();
-    return error.Description();
-  }
-  ADD_FAILURE() << "no error " << number << " raised";
-  return {};
-}
+using test::errorOf;
 
 bool mentions(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;

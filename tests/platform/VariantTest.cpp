@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Picture.hpp"
 
@@ -13,16 +14,7 @@ namespace velt {
 namespace {
 
 // Runs f, which must raise error `number`; returns the error's description.
-std::string errorOf(int32_t number, const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), number) << error.what();
-    return error.Description();
-  }
-  ADD_FAILURE() << "no error " << number << " raised";
-  return {};
-}
+using test::errorOf;
 
 TEST(VariantTest, ConstructorsPickTheIntendedType) {
   EXPECT_EQ(Variant().Type(), VariantType::Empty);
