@@ -106,6 +106,7 @@ void HeadlessWindowSystem::SetButtons(int32_t mask) {
     throw Error(errInvalidProcedureCall, "HeadlessWindowSystem::SetButtons: mask " +
                                              std::to_string(mask) + " is outside 0..7");
   buttons_ = mask;
+  idleCalls_ = 0;
 }
 
 void HeadlessWindowSystem::AdvanceClock(int64_t milliseconds) {
@@ -117,9 +118,11 @@ void HeadlessWindowSystem::AdvanceClock(int64_t milliseconds) {
     if (!next || *next > target) break;
     // A timer held up by its own long callback may be overdue; time never goes back.
     if (*next > virtualClock_->NowMs()) virtualClock_->Advance(*next - virtualClock_->NowMs());
+    idleCalls_ = 0;
     runDueTimers();
   }
   if (virtualClock_->NowMs() < target) virtualClock_->Advance(target - virtualClock_->NowMs());
+  idleCalls_ = 0;
 }
 
 void HeadlessWindowSystem::PostMouseMove(int32_t x, int32_t y) {
@@ -164,14 +167,27 @@ void HeadlessWindowSystem::post(ScriptItem item) {
 
 void HeadlessWindowSystem::DoEvents() {
   auto self = weak_from_this().lock();
+  bool busy = PendingWork() != 0;
   if (!script_.empty()) {
+    busy = true;
     // Taken off the queue first: the item's handlers may call DoEvents again.
     ScriptItem item = std::move(script_.front());
     script_.pop_front();
     run(item);
   }
   runPostedWork();
-  runDueTimers();
+  if (Timers().RunDue() != 0) busy = true;
+  idleCalls_ = busy ? 0 : std::min(idleCalls_ + 1, 2);
+  if (idleCalls_ == 2 && buttons_ != 0) releaseHeldButtons();
+}
+
+void HeadlessWindowSystem::releaseHeldButtons() {
+  idleCalls_ = 0;
+  for (int16_t button : {int16_t{1}, int16_t{2}, int16_t{4}}) {
+    if ((buttons_ & button) == 0) continue;
+    buttons_ &= ~static_cast<int32_t>(button);
+    deliverMouseUp(button, ShiftState(), cursor_);
+  }
 }
 
 void HeadlessWindowSystem::RunUntilIdle() {

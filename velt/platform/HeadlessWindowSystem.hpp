@@ -23,6 +23,14 @@ namespace velt {
 // buttons to be released, say) sees the script's later items arrive. Script
 // coordinates are screen pixels. A scripted press or release also moves the
 // pointer to its position, but only PostMouseMove sends MouseMove.
+//
+// When the script has ended with mouse buttons still held, a routine waiting
+// inside DoEvents for their release would wait forever. So a DoEvents that
+// finds nothing to do (no script item, no posted work, no timer due) right
+// after another such call, with no time moved and no buttons set in between,
+// lets go of the held buttons at the pointer: one MouseUp each, left, right,
+// then middle. A single idle DoEvents, as a timer tick makes it, releases
+// nothing, so a test may hold a button over several ticks.
 class HeadlessWindowSystem : public WindowSystem {
  public:
   // The screen's background where no window is.
@@ -79,12 +87,14 @@ class HeadlessWindowSystem : public WindowSystem {
   HeadlessWindowSystem(VirtualClock* clock, int32_t screenWidth, int32_t screenHeight);
   void post(ScriptItem item);
   void run(ScriptItem& item);
+  void releaseHeldButtons();
 
   VirtualClock* virtualClock_;  // owned by the base class
   SizeL screen_;
   PointL cursor_;
   int32_t buttons_ = 0;
   std::deque<ScriptItem> script_;
+  int32_t idleCalls_ = 0;  // DoEvents calls in a row that found nothing to do
 };
 
 }  // namespace velt

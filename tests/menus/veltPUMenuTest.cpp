@@ -1,0 +1,577 @@
+// veltPUMenu on a headless form: opening, placement and flips, the wait for
+// the buttons, hover and click, closing, pixels from the colour formulas,
+// persistence, and handlers that re-open the menu or destroy the form (run
+// these under the address sanitizer too).
+
+#include "velt/controls/menus/veltPUMenu.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Probe.hpp"
+#include "support/HeadlessForm.hpp"
+#include "support/Pixels.hpp"
+#include "velt/foundation/Colors.hpp"
+#include "velt/platform/Error.hpp"
+#include "velt/platform/ImageList.hpp"
+#include "velt/platform/Picture.hpp"
+#include "velt/platform/PopupWindow.hpp"
+#include "velt/platform/PropertyBag.hpp"
+
+namespace velt {
+namespace {
+
+using test::PixelAt;
+using test::Region;
+using Lines = std::vector<std::string>;
+
+constexpr int32_t kTwips = 15;
+constexpr OLE_COLOR kIconColor = 0x0000FF;
+
+// The menu colours by their entry numbers, from the blend formulas.
+struct Shades {
+  OLE_COLOR c2, c4, c7, c8, c9, c10, c11;
+};
+Shades shadesOf(OLE_COLOR back, OLE_COLOR fore, OLE_COLOR selection) {
+  return Shades{BlendColor(back, fore, 230),      BlendColor(back, fore, 170),
+                BlendColor(back, fore, 120),      BlendColor(0, fore, 140),
+                BlendColor(back, selection, 230), BlendColor(back, selection, 180),
+                BlendColor(back, selection, 130)};
+}
+
+Canvas pinnedCanvas(bool bold = false) {
+  Canvas canvas(1, 1);
+  canvas.Font(test::PinnedFont());
+  canvas.Font()->Bold(bold);
+  return canvas;
+}
+int32_t textRow() {
+  return pinnedCanvas().TextHeight("I") + 8;
+}
+
+std::shared_ptr<ImageList> solidIcons(int16_t width, int16_t height) {
+  auto list = std::make_shared<ImageList>();
+  std::vector<uint32_t> pixels(static_cast<size_t>(width) * height,
+                               0xFF000000u | OleToPixel(kIconColor));
+  list->ListImages().Add(std::make_shared<Picture>(width, height, std::move(pixels)));
+  return list;
+}
+
+class veltPUMenuTest : public ::testing::Test {
+ protected:
+  veltPUMenuTest() {
+    menu = hf.form.Add<veltPUMenu>("veltPUMenu1", 600, 400, 100, 100);
+    site = hf.form.FindSite("veltPUMenu1");
+    opener = std::make_shared<testing::Probe>();
+    hf.form.AddControl(opener, "Opener", 0, 0, 300, 300);
+  }
+
+  // Items 1 open, 2 separator, 3 title, 4 checked check row.
+  void addItems() {
+    MenuItems& items = *menu->MenuItem;
+    items.Add("open", "Open");
+    items.Add("", "", 0, true, "", "", itPlaceholder);
+    items.Add("sect", "Section", 0, true, "", "", itTitle);
+    items.Add("wrap", "Wrap lines", 0, true, "", "", itCheck, true);
+  }
+  void openAt(int32_t x, int32_t y, const std::string& group = "", int16_t openerWidth = 0) {
+    menu->CreateMenu(x * kTwips, y * kTwips, group, openerWidth);
+  }
+  const Canvas& face() { return menu->Window()->Surface(); }
+  RectL rect() { return menu->Window()->WindowRect(); }
+  const MenuItemListing& row(int16_t position) { return *menu->Listings()->Item(position); }
+  int32_t middleOf(int16_t position) {
+    return rect().Top + row(position).Top() + row(position).Height() / 2;
+  }
+  void hover(int16_t position) {
+    hf.system->PostMouseMove(rect().Left + 10, middleOf(position));
+    hf.Run();
+  }
+  void clickRow(int16_t position) {
+    hover(position);
+    hf.system->PostMouseDown(1, rect().Left + 10, middleOf(position));
+    hf.system->PostMouseUp(1, rect().Left + 10, middleOf(position));
+    hf.Run();
+  }
+
+  test::HeadlessForm hf;
+  std::shared_ptr<veltPUMenu> menu;
+  Site* site = nullptr;
+  std::shared_ptr<testing::Probe> opener;
+};
+
+// ---- Opening and placement --------------------------------------------------
+
+TEST_F(veltPUMenuTest, OpensAtThePointerWritesItBackInTwipsAndSetsUpTheWindow) {
+  addItems();
+  hf.system->SetCursor(100, 50);
+  int32_t x = 0, y = 0;
+  std::string group;
+  int16_t openerWidth = 0;
+  menu->CreateMenu(x, y, group, openerWidth);
+  EXPECT_EQ(x, 100 * kTwips);
+  EXPECT_EQ(y, 50 * kTwips);
+  PopupWindow& window = *menu->Window();
+  EXPECT_EQ(window.WindowRect().Left, 100);
+  EXPECT_EQ(window.WindowRect().Top, 50);
+  EXPECT_TRUE(window.Visible() && window.Topmost() && window.ToolWindow() && window.DropShadow());
+  EXPECT_EQ(window.EffectiveAlpha(), veltPUMenu::kWindowAlpha);
+  EXPECT_TRUE(menu->MenuVisible);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+
+  hf.system->SetCursor(200, 120);
+  menu->CreateMenu();
+  EXPECT_EQ(rect().Left, 200);
+  EXPECT_EQ(rect().Top, 120);
+}
+
+TEST_F(veltPUMenuTest, WidthFitsTheWidestCaptionOfAllGroupsAndRowsComeFromOneGroup) {
+  addItems();
+  menu->MenuItem->Add("far", "A much longer caption, bold", 0, true, "", "other", itNormal, false,
+                      true);
+  openAt(10, 10);
+  const int32_t b = textRow();
+  const int32_t widest = pinnedCanvas(true).TextWidth("A much longer caption, bold");
+  EXPECT_EQ(rect().Width(), 18 + widest + 32);
+  EXPECT_EQ(rect().Height(), b + 3 + 2 * b + b + 4);
+  ASSERT_EQ(menu->Listings()->Count(), 4);
+  const std::vector<int32_t> tops{2, 2 + b, 5 + b, 5 + 3 * b};
+  const std::vector<bool> selectable{true, false, false, true};
+  for (int16_t i = 1; i <= 4; ++i) {
+    EXPECT_EQ(row(i).Index(), i);
+    EXPECT_EQ(row(i).Top(), tops[i - 1]) << i;
+    EXPECT_EQ(row(i).Selectable(), selectable[i - 1]) << i;
+  }
+}
+
+TEST_F(veltPUMenuTest, EmptyMenuIsFourPixelsHighWithOnlyItsBorder) {
+  menu->ClearItems();
+  openAt(10, 10);
+  EXPECT_EQ(rect().Height(), 4);
+  EXPECT_EQ(rect().Width(), 18 + 32);
+  const OLE_COLOR frame = shadesOf(0xFFFFFF, 0xC00000, 33023).c7;
+  EXPECT_EQ(test::CountColor(face(), frame), 2 * 50 + 2 * 2);
+  EXPECT_EQ(test::CountColor(face(), 0xFFFFFF), 2 * 48);
+}
+
+TEST_F(veltPUMenuTest, FlipsAtTheRightAndBottomEdgesAndLeavesTheOpenerGapOnlyDownward) {
+  addItems();
+  openAt(10, 10);
+  const int32_t w = rect().Width();
+  const int32_t h = rect().Height();
+  const OLE_COLOR frame = menu->Colors().EdgeDark;
+
+  openAt(1024 - w, 768 - h, "", 20);  // touching both edges exactly: no flip
+  EXPECT_EQ(rect(), (RectL{1024 - w, 768 - h, 1024, 768}));
+  EXPECT_EQ(menu->OpenWidth(), 20);
+  EXPECT_EQ(PixelAt(face(), 0, 0), frame);
+  EXPECT_EQ(PixelAt(face(), 1, 0), 0xFFFFFFu);
+  EXPECT_EQ(PixelAt(face(), 19, 0), 0xFFFFFFu);
+  EXPECT_EQ(test::ColorBox(face(), frame, Region{1, 0, w, 1}), (test::InkBox{20, 0, w - 1, 0}));
+
+  int32_t x = (1025 - w) * kTwips, y = (769 - h) * kTwips;
+  std::string group;
+  int16_t openerWidth = 20;
+  menu->CreateMenu(x, y, group, openerWidth);
+  EXPECT_EQ(x, (1025 - 2 * w) * kTwips);
+  EXPECT_EQ(y, (769 - 2 * h) * kTwips);
+  EXPECT_EQ(rect().Left, 1025 - 2 * w);
+  EXPECT_EQ(menu->OpenWidth(), 0);
+  EXPECT_EQ(test::CountColor(face(), frame, Region{0, 0, w, 1}), w);
+}
+
+TEST_F(veltPUMenuTest, RightPressOpensAMenuThatSurvivesTheReleaseOverItOrOutside) {
+  addItems();
+  test::EventLog log(*site);
+  std::vector<veltPUMenu::MenuState> whileHeld;
+  opener->onMouseDown = [&] { menu->CreateMenu(); };
+  for (const PointL release : {PointL{50, 60}, PointL{5, 5}}) {
+    hf.system->PostMouseDown(2, 50, 60);
+    hf.system->PostAction([&] { whileHeld.push_back(menu->State()); });
+    hf.system->PostWait(5);
+    hf.system->PostMouseUp(2, release.x, release.y);
+    hf.Run();
+    hf.Tick(5);
+    EXPECT_EQ(rect().Left, 50);
+    EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  }
+  EXPECT_EQ(whileHeld, (std::vector{veltPUMenu::msOpening, veltPUMenu::msOpen}));
+  EXPECT_TRUE(log.Lines().empty());
+
+  hf.system->PostMouseDown(2, 50, 60);  // the script ends with the button held: it lets go
+  hf.Run();
+  EXPECT_EQ(opener->calls.back(), "MouseUp 2 0 50 60");
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+}
+
+TEST_F(veltPUMenuTest, MenuClosedWhileTheButtonIsStillHeldReportsClosedOnce) {
+  test::EventLog log(*site);
+  opener->onMouseDown = [&] { menu->CreateMenu(); };
+  hf.system->PostMouseDown(2, 50, 60);
+  hf.system->PostAction([&] { hf.form.FindSite("Opener")->SetFocus(); });
+  hf.system->PostWait(3);
+  hf.system->PostMouseUp(2, 50, 60);
+  hf.Run();
+  hf.Tick(5);
+  EXPECT_EQ(log.Names(), (Lines{"Closed"}));
+  EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
+}
+
+TEST(HeadlessButtonRelease, OnlyASecondIdleDoEventsInARowReleasesHeldButtons) {
+  test::HeadlessForm hf;
+  auto probe = std::make_shared<testing::Probe>();
+  hf.form.AddControl(probe, "P", 0, 0, 50, 50);
+  probe->clear();
+  hf.system->PostMouseDown(1, 5, 5);
+  hf.system->PostMouseDown(4, 6, 6);
+  hf.Run();
+  hf.system->DoEvents();
+  hf.Tick(3);  // time moved: a timer tick's DoEvents starts afresh
+  hf.system->DoEvents();
+  EXPECT_EQ(hf.system->MouseButtons(), 1 | 4);
+  hf.system->DoEvents();
+  EXPECT_EQ(hf.system->MouseButtons(), 0);
+  EXPECT_EQ(probe->calls, (Lines{"EnterFocus", "MouseDown 1 0 5 5", "MouseDown 4 0 6 6",
+                                 "MouseUp 1 0 6 6", "MouseUp 4 0 6 6"}));
+}
+
+TEST_F(veltPUMenuTest, WindowStepThatFailsIsSkippedAndTheMenuStillOpens) {
+  addItems();
+  openAt(10, 10);
+  const int32_t width = rect().Width();
+  menu->MenuItem->Add("", std::string(400, 'W'));  // wider than an Integer of twips
+  openAt(30, 30);
+  EXPECT_EQ(rect(), (RectL{30, 30, 30 + width, 30 + rect().Height()}));
+  EXPECT_EQ(menu->Listings()->Count(), 5);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+}
+
+// ---- Hover, click and closing -----------------------------------------------
+
+TEST_F(veltPUMenuTest, OnlyNormalAndCheckRowsHighlightAndClick) {
+  addItems();
+  test::EventLog log(*site);
+  openAt(100, 100);
+  const std::vector<int16_t> expected{1, 0, 0, 4};
+  for (int16_t i = 1; i <= 4; ++i) {
+    hover(i);
+    EXPECT_EQ(menu->SelectedIndex(), expected[i - 1]) << i;
+  }
+  hf.system->PostMouseMove(rect().Left + 10, rect().Top + row(1).Top());  // on the edge
+  hf.Run();
+  EXPECT_EQ(menu->SelectedIndex(), 0);
+  for (int16_t i : {2, 3}) {
+    openAt(100, 100);
+    clickRow(i);
+    EXPECT_FALSE(menu->Window()->Visible());
+  }
+  hf.Tick();
+  EXPECT_EQ(log.Names(), (Lines{"Closed"}));
+}
+
+TEST_F(veltPUMenuTest, ItemClickWhileShownThenHiddenThenClosedOnTheNextTick) {
+  addItems();
+  test::EventLog log(*site);
+  std::vector<bool> shownInHandler;
+  Connection c = menu->ItemClick.connect([&](int16_t, const std::string&) {
+    shownInHandler = {menu->Window()->Visible(), menu->MenuVisible};
+  });
+  openAt(100, 100);
+  clickRow(4);
+  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i4, String:wrap)"}));
+  EXPECT_EQ(shownInHandler, (std::vector<bool>{true, true}));
+  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
+  EXPECT_TRUE(menu->MenuVisible);
+  EXPECT_EQ(menu->SelectedIndex(), 0);
+  hf.Tick(3);
+  EXPECT_EQ(log.Names(), (Lines{"ItemClick", "Closed"}));
+  EXPECT_FALSE(menu->MenuVisible);
+  EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
+}
+
+TEST_F(veltPUMenuTest, PressOutsideFocusLossAndKillMenuHideItAndClosedFollows) {
+  addItems();
+  test::EventLog log(*site);
+  openAt(100, 100);
+  hf.system->SetButtons(4);  // the middle button outside is no press that counts
+  hf.system->SetCursor(rect().Right + 1, rect().Top);
+  hf.Tick();
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  hf.system->SetCursor(rect().Right, rect().Bottom);
+  hf.system->SetButtons(1);
+  hf.Tick();
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  hf.system->SetCursor(rect().Left - 1, rect().Top);
+  hf.system->SetButtons(2);
+  hf.Tick();  // hidden and reported in the same tick
+  EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
+  EXPECT_EQ(log.Names(), (Lines{"Closed"}));
+
+  hf.system->SetButtons(0);
+  openAt(100, 100);
+  hf.system->PostMouseDown(1, 10, 10);  // a real press on the form takes the focus first
+  hf.Run();
+  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
+  hf.Tick();
+  EXPECT_EQ(log.Names(), (Lines{"Closed", "Closed"}));
+
+  openAt(100, 100);
+  hf.form.FindSite("Opener")->SetFocus();
+  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
+  hf.Tick();
+  openAt(100, 100);
+  menu->KillMenu();
+  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
+  hf.Tick(5);
+  menu->KillMenu();  // nothing up: nothing follows
+  hf.Tick(5);
+  EXPECT_EQ(log.Names().size(), 4u);
+}
+
+TEST_F(veltPUMenuTest, SecondCreateMenuWhileOpenMovesAndRelaysWithoutClosing) {
+  addItems();
+  menu->MenuItem->Add("x", "Extra", 0, true, "", "more");
+  test::EventLog log(*site);
+  openAt(100, 100);
+  hf.Tick(2);
+  openAt(300, 200, "more");
+  EXPECT_EQ(rect().Left, 300);
+  EXPECT_EQ(rect().Height(), textRow() + 4);
+  hf.Tick(5);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  EXPECT_TRUE(log.Lines().empty());
+}
+
+TEST_F(veltPUMenuTest, GroupOtherThanTheRootIsPaintedHoveredAndClickedByItsOwnRows) {
+  menu->MenuItem->Add("a", "Alpha");
+  menu->MenuItem->Add("b", "Beta");
+  menu->MenuItem->Add("t", "Sub", 0, true, "", "sub", itTitle);
+  menu->MenuItem->Add("c", "Gamma", 0, true, "", "sub");
+  menu->MenuItem->Add("d", "Delta", 0, true, "", "sub", itCheck, true);
+  test::EventLog log(*site);
+  openAt(100, 100, "sub");
+  const Shades s = shadesOf(0xFFFFFF, 0xC00000, 33023);
+  hover(3);
+  EXPECT_EQ(menu->SelectedIndex(), 5);
+  EXPECT_EQ(PixelAt(face(), 2, row(3).Top()), s.c7) << "highlight frame on the third row";
+  EXPECT_EQ(PixelAt(face(), 5, row(3).Top() + 2), s.c11) << "check fill under the pointer";
+  EXPECT_EQ(PixelAt(face(), 3, row(1).Top() + 1), s.c4) << "the title still shows";
+  clickRow(2);
+  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i4, String:c)"}));
+}
+
+// ---- Pixels -----------------------------------------------------------------
+
+TEST_F(veltPUMenuTest, BorderHighlightSeparatorTitleAndCaptionsFollowTheColours) {
+  addItems();
+  menu->BackColor(0xF8F0E0);
+  menu->ForeColor(0x503010);
+  menu->SelectionColor(0x2080F0);
+  const Shades s = shadesOf(0xF8F0E0, 0x503010, 0x2080F0);
+  openAt(100, 100);
+  hover(1);
+  const int32_t w = rect().Width();
+  const int32_t h = rect().Height();
+  const int32_t separatorY = row(2).Top() + 1;
+  for (int32_t y = 0; y < h; ++y) {
+    ASSERT_EQ(PixelAt(face(), 0, y), s.c7) << y;
+    if (y != separatorY) {
+      ASSERT_EQ(PixelAt(face(), w - 1, y), s.c7) << y;
+    }
+  }
+  EXPECT_EQ(test::CountColor(face(), s.c7, Region{0, h - 1, w, h}), w);
+  for (int32_t x = 3; x <= w - 4; ++x) {
+    ASSERT_EQ(PixelAt(face(), x, row(1).Top() + 1), test::GradientAt(s.c10, s.c9, w - 6, x - 3));
+    ASSERT_EQ(PixelAt(face(), x, row(3).Top() + 1), test::GradientAt(s.c4, s.c2, w - 6, x - 3));
+  }
+  for (int32_t x = 1; x <= w - 1; ++x)
+    ASSERT_EQ(PixelAt(face(), x, separatorY), test::GradientAt(s.c2, s.c7, w, x - 1)) << x;
+  EXPECT_EQ(PixelAt(face(), 2, row(1).Top() + row(1).Height() - 1), s.c7);
+  EXPECT_EQ(PixelAt(face(), w - 3, row(1).Top()), s.c7);
+  EXPECT_GT(test::CountColor(face(), s.c8, Region{18, row(1).Top(), w - 3, row(2).Top()}), 0);
+  EXPECT_GT(test::CountColor(face(), s.c7, Region{18, row(3).Top() + 8, w - 4, row(4).Top()}), 0);
+
+  menu->BackColor(0xFFFFFF);  // repaints the open menu at once
+  EXPECT_EQ(PixelAt(face(), 0, 0), BlendColor(0xFFFFFF, 0x503010, 120));
+}
+
+TEST_F(veltPUMenuTest, CheckFramesOnlyForCheckedCheckRows) {
+  menu->MenuItem->Add("n", "Normal, checked", 0, true, "", "", itNormal, true);
+  menu->MenuItem->Add("u", "Check, unchecked", 0, true, "", "", itCheck, false);
+  menu->MenuItem->Add("k", "Check, checked", 0, true, "", "", itCheck, true);
+  openAt(100, 100);
+  const Shades s = shadesOf(0xFFFFFF, 0xC00000, 33023);
+  for (int16_t i = 1; i <= 3; ++i) {
+    const Region column{4, row(i).Top(), 10, row(i).Top() + row(i).Height()};
+    EXPECT_EQ(test::CountColor(face(), s.c7, column) > 0, i == 3) << i;
+  }
+  const int32_t top = row(3).Top();
+  const int32_t bottom = top + row(3).Height() - 2;
+  EXPECT_EQ(test::ColorBox(face(), s.c7, Region{1, top, 12, bottom + 1}),
+            (test::InkBox{4, top + 1, 9, bottom}));
+  EXPECT_EQ(PixelAt(face(), 5, top + 2), s.c9);
+  EXPECT_EQ(PixelAt(face(), 8, bottom - 1), s.c9);
+}
+
+TEST_F(veltPUMenuTest, ImageListWidensTheColumnHeightensTheRowsAndDrawsIcons) {
+  const int32_t b = textRow();
+  const auto tall = static_cast<int16_t>(b + 3);
+  menu->ImageList(solidIcons(20, tall));
+  addItems();
+  menu->MenuItem->Item(int16_t{1})->Icon(1);
+  menu->MenuItem->Item(int16_t{4})->Icon(7);  // no such image: left out
+  openAt(100, 100);
+  EXPECT_EQ(row(1).Height(), tall + 4);
+  EXPECT_EQ(row(2).Height(), 3);
+  EXPECT_EQ(row(3).Height(), tall + 16);
+  const int32_t top = row(1).Top();
+  const int32_t iconTop = top + (tall + 4) / 2 - tall / 2;
+  EXPECT_EQ(test::ColorBox(face(), kIconColor), (test::InkBox{7, iconTop, 26, iconTop + tall - 1}));
+  EXPECT_EQ(rect().Width(), 38 + pinnedCanvas().TextWidth("Wrap lines") + 32);
+
+  menu->ImageList(solidIcons(8, 8));  // images smaller than a text row
+  openAt(100, 100);
+  EXPECT_EQ(row(1).Height(), b);
+  EXPECT_EQ(row(3).Height(), 2 * b);
+}
+
+// ---- Properties, size and life cycle ----------------------------------------
+
+TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
+  PropertyBag defaults;
+  menu->WriteProperties(defaults);
+  EXPECT_EQ(defaults.Count(), 0u);
+  EXPECT_EQ(menu->SelectionColor(), 33023u);
+
+  site->ClearChangedProperties();
+  auto list = solidIcons(16, 16);
+  menu->BackColor(0x010203);
+  menu->ForeColor(0x040506);
+  menu->Font(std::make_shared<Font>("DejaVu Serif", 12));
+  menu->ImageList(list);
+  menu->SelectionColor(0x070809);
+  EXPECT_EQ(site->ChangedProperties(),
+            (Lines{"BackColor", "ForeColor", "Font", "ImageList", "SelectionColor"}));
+  PropertyBag bag;
+  menu->WriteProperties(bag);
+  EXPECT_EQ(bag.Keys(), (Lines{"BackColor", "ForeColor", "Font", "ImageList", "SelectionColor"}));
+
+  auto copy = std::make_shared<veltPUMenu>();
+  hf.form.AddControl(copy, "Copy", 0, 0, 10, 10, &bag);
+  EXPECT_EQ(copy->BackColor(), 0x010203u);
+  EXPECT_EQ(copy->ForeColor(), 0x040506u);
+  EXPECT_EQ(copy->Font()->Size(), 12);
+  EXPECT_EQ(copy->ImageList(), list);
+  EXPECT_EQ(copy->SelectionColor(), 0x070809u);
+  EXPECT_EQ(copy->Colors().Accent3, BlendColor(0x010203, 0x070809, 130));
+
+  PropertyBag wrong;
+  wrong.WriteProperty("ImageList",
+                      Variant(std::static_pointer_cast<Object>(std::make_shared<Picture>(1, 1))));
+  try {
+    hf.form.AddControl(std::make_shared<veltPUMenu>(), "Wrong", 0, 0, 10, 10, &wrong);
+    ADD_FAILURE() << "a picture is no image list";
+  } catch (const Error& e) {
+    EXPECT_EQ(e.Number(), errTypeMismatch);
+  }
+}
+
+TEST_F(veltPUMenuTest, FixedSizeOwnFontCopyAndRemoval) {
+  EXPECT_EQ(site->Bounds().Width(), 47);
+  site->Move(0, 0, 3000, 1500);
+  EXPECT_EQ(site->Width(), veltPUMenu::kControlSize);
+  EXPECT_EQ(site->Height(), veltPUMenu::kControlSize);
+
+  menu->MenuItem->Add("b", "Bold", 0, true, "", "", itNormal, false, true);
+  openAt(10, 10);
+  EXPECT_FALSE(menu->Font()->Bold());
+  EXPECT_NE(face().Font(), menu->Font());
+
+  std::weak_ptr<PopupWindow> window = menu->Window();
+  hf.form.RemoveControl("veltPUMenu1");
+  EXPECT_FALSE(window.lock()->Visible() || window.lock()->Layered());
+  EXPECT_EQ(menu->MenuItem, nullptr);
+  EXPECT_THROW(menu->CreateMenu(), Error);
+  veltPUMenu loose;
+  EXPECT_THROW(loose.Font(), Error);
+}
+
+// ---- Handlers that re-open the menu or destroy the form ---------------------
+
+TEST_F(veltPUMenuTest, ItemClickOrClosedHandlerThatOpensTheMenuAgainKeepsItOpen) {
+  addItems();
+  menu->MenuItem->Add("x", "Extra", 0, true, "", "more");
+  test::EventLog log(*site);
+  Connection again =
+      menu->ItemClick.connect([&](int16_t, const std::string&) { openAt(300, 200, "more"); });
+  openAt(100, 100);
+  clickRow(1);
+  hf.Tick(5);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  EXPECT_EQ(rect().Left, 300);
+  EXPECT_EQ(log.Names(), (Lines{"ItemClick"}));
+
+  again.disconnect();
+  int reopened = 0;
+  Connection reopen = menu->Closed.connect([&] {
+    if (reopened++ == 0) openAt(50, 50);
+  });
+  menu->KillMenu();
+  hf.Tick(5);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  EXPECT_EQ(rect().Left, 50);
+  EXPECT_EQ(log.Names(), (Lines{"ItemClick", "Closed"}));
+}
+
+class veltPUMenuLifetimeTest : public ::testing::Test {
+ protected:
+  veltPUMenuLifetimeTest() {
+    form->Font(test::PinnedFont());
+    auto menu = form->Add<veltPUMenu>("veltPUMenu1", 0, 0, 47, 47);
+    menu->MenuItem->Add("a", "Alpha");
+    weak = menu;
+    raw = menu.get();
+  }
+
+  std::shared_ptr<HeadlessWindowSystem> system = std::make_shared<HeadlessWindowSystem>();
+  std::unique_ptr<Form> form = std::make_unique<Form>(system);
+  std::weak_ptr<veltPUMenu> weak;
+  veltPUMenu* raw = nullptr;
+};
+
+TEST_F(veltPUMenuLifetimeTest, ItemClickHandlerDestroysTheForm) {
+  Connection c = raw->ItemClick.connect([&](int16_t, const std::string&) { form.reset(); });
+  raw->CreateMenu(100 * kTwips, 100 * kTwips);
+  system->PostMouseMove(110, 105);
+  system->PostMouseDown(1, 110, 105);
+  system->PostMouseUp(1, 110, 105);
+  system->RunUntilIdle();
+  system->AdvanceClock(3);
+  EXPECT_EQ(form, nullptr);
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(veltPUMenuLifetimeTest, ClosedHandlerDestroysTheForm) {
+  Connection c = raw->Closed.connect([&] { form.reset(); });
+  raw->CreateMenu(100 * kTwips, 100 * kTwips);
+  raw->KillMenu();
+  system->AdvanceClock(3);
+  EXPECT_EQ(form, nullptr);
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(veltPUMenuLifetimeTest, FormDestroyedWhileCreateMenuWaitsForTheButtons) {
+  system->SetButtons(2);
+  system->PostAction([&] { form.reset(); });
+  system->PostAction([&] { system->SetButtons(0); });
+  raw->CreateMenu();
+  EXPECT_EQ(form, nullptr);
+  EXPECT_EQ(system->PendingInput(), 1u) << "returned as soon as the form went";
+  EXPECT_TRUE(weak.expired());
+}
+
+}  // namespace
+}  // namespace velt
