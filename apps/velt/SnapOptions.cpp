@@ -1,53 +1,14 @@
 #include "apps/velt/SnapOptions.hpp"
 
-#include "velt/platform/Error.hpp"
+#include "apps/velt/ArgumentReader.hpp"
 
 namespace velt::tool {
 
 namespace {
 
 [[noreturn]] void usageProblem(const std::string& text) {
-  throw Error(errInvalidProcedureCall, text + " (see velt snap --help)");
+  ArgumentReader::Problem(text, "snap");
 }
-
-// Walks the arguments, splitting "--name=value" into the name and its value.
-class ArgumentReader {
- public:
-  explicit ArgumentReader(std::span<const std::string> arguments) : arguments_(arguments) {}
-
-  bool Next() {
-    if (index_ >= arguments_.size()) return false;
-    const std::string& argument = arguments_[index_++];
-    const size_t equals = argument.find('=');
-    if (argument.rfind("--", 0) == 0 && equals != std::string::npos) {
-      word_ = argument.substr(0, equals);
-      inlineValue_ = argument.substr(equals + 1);
-    } else {
-      word_ = argument;
-      inlineValue_.reset();
-    }
-    return true;
-  }
-
-  const std::string& Word() const { return word_; }
-  bool IsOption() const { return word_.size() > 1 && word_[0] == '-'; }
-
-  std::string Value() {
-    if (inlineValue_) return *inlineValue_;
-    if (index_ >= arguments_.size()) usageProblem(word_ + " needs a value");
-    return arguments_[index_++];
-  }
-
-  void NoValue() const {
-    if (inlineValue_) usageProblem(word_ + " takes no value");
-  }
-
- private:
-  std::span<const std::string> arguments_;
-  size_t index_ = 0;
-  std::string word_;
-  std::optional<std::string> inlineValue_;
-};
 
 template <typename T>
 void setOnce(std::optional<T>& target, T value, const std::string& option) {
@@ -100,7 +61,7 @@ void readOption(ArgumentReader& reader, SnapOptions& options) {
 
 SnapOptions SnapOptions::Parse(std::span<const std::string> arguments) {
   SnapOptions options;
-  ArgumentReader reader(arguments);
+  ArgumentReader reader(arguments, "snap");
   while (reader.Next()) {
     if (reader.IsOption()) {
       readOption(reader, options);

@@ -3,15 +3,27 @@
 #include <string>
 #include <vector>
 
+#include "apps/velt/GalleryCommand.hpp"
+#include "apps/velt/RunCommand.hpp"
+#include "apps/velt/SearchCommand.hpp"
 #include "apps/velt/SnapCommand.hpp"
 
 namespace {
 
 constexpr const char* kUsage =
-    "usage: velt about            what the library holds so far\n"
-    "       velt snap CONTROL ...  render one control, play input, print its events\n"
-    "                              (velt snap --help tells more)\n"
-    "       velt --version\n";
+    "usage: velt gallery [--headless] [--out FILE.png] [--events]\n"
+    "           every control in a window, live (headless to gallery.png without a display)\n"
+    "       velt run FORM.json [--headless [--input SCRIPT]] [--events] [--out FILE.png]\n"
+    "                          [--save OUT.json]\n"
+    "           run a form file in a window or headless, and save it back\n"
+    "       velt snap CONTROL [--size WxH] [--prop Name=Value]... [--input SCRIPT] ...\n"
+    "           render one control, play input, print its events\n"
+    "       velt search DIR PATTERN [--dirs] [--recursive] ...\n"
+    "           search files and folders as the library's Search does\n"
+    "       velt about\n"
+    "           what the library holds so far\n"
+    "       velt --version\n"
+    "`velt COMMAND --help` tells more about each command.\n";
 
 // What the library offers so far.
 void printInventory() {
@@ -20,13 +32,17 @@ void printInventory() {
   std::puts("  platform:   Error, Variant, Event, PropertyBag (JSON), Font, Picture, ImageList,");
   std::puts("              PNG read/write, Canvas (gradients, lines, pixels, text, icons),");
   std::puts("              TextEngine (FreeType + fontconfig), SystemColors, RegistryView,");
-  std::puts("              headless window system, pop-up windows");
+  std::puts("              headless and SDL2 window systems, pop-up windows");
   std::puts("  foundation: colours and schemes, gradient routines, number and path text,");
   std::puts("              window alpha and shadow, registry and shell routines, control frame");
-  std::puts("  host:       Form, Site, input routing, focus, capture, timers");
-  std::puts("  controls:   veltButton (veltXButton as a part), control registry");
-  std::puts("  tool:       velt snap");
-  std::puts("not yet: the other controls, utilities, `velt gallery`, `velt run`");
+  std::puts("  host:       Form, Site, input routing, focus, capture, timers, form files (JSON)");
+  std::puts("  controls:   veltButton (veltXButton as a part), veltProgressBar, veltScrollBar,");
+  std::puts("              veltSlider, veltPUMenu with its item collections, veltLabel,");
+  std::puts("              veltColorPicker, veltTab; the control registry");
+  std::puts("  utilities:  file search");
+  std::puts("  tool:       velt gallery, velt run (form files), velt snap, velt search");
+  std::puts("not yet: veltToolbar, veltTextBox, veltListbox, veltMonthview, veltDropDown,");
+  std::puts("         IconExtractor");
 }
 
 }  // namespace
@@ -34,6 +50,7 @@ void printInventory() {
 int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   const std::string command = arguments.empty() ? "about" : arguments[0];
+  const auto rest = std::span<const std::string>(arguments).subspan(arguments.empty() ? 0 : 1);
   if (command == "--version") {
     std::puts(VELT_VERSION_STRING);
     return 0;
@@ -42,14 +59,14 @@ int main(int argc, char** argv) {
     printInventory();
     return 0;
   }
-  if (command == "--help" || command == "help") {
+  if (command == "--help" || command == "help" || command == "-h") {
     std::fputs(kUsage, stdout);
     return 0;
   }
-  if (command == "snap") {
-    velt::tool::SnapCommand snap(std::cout, std::cerr, std::cin);
-    return snap.Run(std::span<const std::string>(arguments).subspan(1));
-  }
+  if (command == "gallery") return velt::tool::GalleryCommand(std::cout, std::cerr).Run(rest);
+  if (command == "run") return velt::tool::RunCommand(std::cout, std::cerr, std::cin).Run(rest);
+  if (command == "snap") return velt::tool::SnapCommand(std::cout, std::cerr, std::cin).Run(rest);
+  if (command == "search") return velt::tool::SearchCommand(std::cout, std::cerr).Run(rest);
   std::fprintf(stderr, "velt: unknown command '%s'\n%s", command.c_str(), kUsage);
   return 2;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "support/HeadlessForm.hpp"
@@ -16,6 +17,7 @@
 #include "velt/controls/buttons/veltXButton.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/ImageList.hpp"
+#include "velt/platform/PropertyBag.hpp"
 
 namespace velt {
 namespace {
@@ -62,6 +64,72 @@ TEST(ControlRegistryTest, CreatesTheClassNamedInAnyLetterCase) {
   ASSERT_NE(std::dynamic_pointer_cast<veltButton>(control), nullptr);
   EXPECT_EQ(registry().ClassNamed("veltbutton").DefaultSize(), (SizeL{100, 30}));
   EXPECT_EQ(&registry().ClassOf(*control), registry().Find("veltButton"));
+}
+
+TEST(ControlRegistryTest, EveryCreatableNameMakesAControlOfThatClass) {
+  std::set<int16_t> ids;
+  for (const std::string& name : registry().CreatableNames()) {
+    SCOPED_TRACE(name);
+    const std::shared_ptr<UserControl> control = registry().Create(name);
+    ASSERT_NE(control, nullptr);
+    EXPECT_EQ(control->ClassName(), name);
+    EXPECT_TRUE(ids.insert(control->ID()).second) << "type code " << control->ID() << " twice";
+    const SizeL size = registry().ClassNamed(name).DefaultSize();
+    EXPECT_GT(size.width, 0);
+    EXPECT_GT(size.height, 0);
+  }
+  for (const char* name : {"veltProgressBar", "veltScrollBar", "veltSlider", "veltPUMenu",
+                           "veltLabel", "veltColorPicker", "veltTab"})
+    EXPECT_NE(registry().Find(name), nullptr) << name;
+}
+
+// A value of the property's type that differs from the one given.
+Variant otherValue(const Variant& current, VariantType type) {
+  switch (type) {
+    case VariantType::Color:
+      return Variant::Color(current.ToColor() ^ 0x123456);
+    case VariantType::Boolean:
+      return Variant(!current.ToBoolean());
+    case VariantType::Integer:
+      return Variant(static_cast<int16_t>(current.ToInteger() + 1));
+    case VariantType::Long:
+      return Variant(current.ToLong() + 1);
+    case VariantType::String:
+      return Variant(current.ToString() + "x");
+    case VariantType::Font:
+      return Variant(std::make_shared<Font>("DejaVu Sans", 12.0f));
+    case VariantType::Object:
+      return Variant(std::shared_ptr<Object>(std::make_shared<ImageList>()));
+    default:
+      return current;
+  }
+}
+
+// Each property of each class, set on a fresh control: the getter reads back
+// what the setter took, and the control stores it under the property's own
+// name (what form files rely on).
+TEST(ControlRegistryTest, EveryPropertyReachesItsOwnSetterAndIsStoredUnderItsName) {
+  for (const std::string& name : registry().CreatableNames()) {
+    const ControlClass& controlClass = registry().ClassNamed(name);
+    for (const ControlClass::Property& property : controlClass.Properties()) {
+      SCOPED_TRACE(name + "." + property.Name);
+      test::HeadlessForm hf;
+      const SizeL size = controlClass.DefaultSize();
+      Site& site =
+          hf.form.AddControl(controlClass.Create(), name + "1", 0, 0, size.width, size.height);
+      UserControl& control = *site.Control();
+      const Variant before = controlClass.GetProperty(control, property.Name);
+      EXPECT_EQ(before.Type(), property.Type);
+      const Variant wanted = otherValue(before, property.Type);
+      controlClass.SetProperty(control, property.Name, wanted);
+      const Variant after = controlClass.GetProperty(control, property.Name);
+      EXPECT_EQ(after, wanted) << after.ToString() << " read back, " << wanted.ToString() << " set";
+
+      PropertyBag bag;
+      hf.form.WriteProperties(site, bag);
+      EXPECT_TRUE(bag.Contains(property.Name));
+    }
+  }
 }
 
 class RegistryPropertyTest : public ::testing::Test {

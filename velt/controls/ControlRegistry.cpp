@@ -4,6 +4,13 @@
 
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/buttons/veltXButton.hpp"
+#include "velt/controls/lists/veltColorPicker.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/range/veltProgressBar.hpp"
+#include "velt/controls/range/veltScrollBar.hpp"
+#include "velt/controls/range/veltSlider.hpp"
+#include "velt/controls/text/veltLabel.hpp"
+#include "velt/controls/veltTab.hpp"
 #include "velt/foundation/ControlFrame.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/ImageList.hpp"
@@ -44,27 +51,59 @@ Property property(const char* name, VariantType type, Getter get, Setter set) {
       }};
 }
 
-// BackColor, ForeColor, Enabled, Font and Caption, in the order the frame
-// stores them.
-std::vector<Property> frameProperties() {
-  using F = ControlFrame;
-  return {
-      property<F>(
-          "BackColor", VariantType::Color, [](const F& c) { return Variant::Color(c.BackColor()); },
-          [](F& c, const Variant& v) { c.BackColor(v.ToColor()); }),
-      property<F>(
-          "ForeColor", VariantType::Color, [](const F& c) { return Variant::Color(c.ForeColor()); },
-          [](F& c, const Variant& v) { c.ForeColor(v.ToColor()); }),
-      property<F>(
-          "Enabled", VariantType::Boolean, [](const F& c) { return Variant(c.Enabled()); },
-          [](F& c, const Variant& v) { c.Enabled(v.ToBoolean()); }),
-      property<F>(
-          "Font", VariantType::Font, [](const F& c) { return Variant(c.Font()); },
-          [](F& c, const Variant& v) { c.Font(v.ToFont()); }),
-      property<F>(
-          "Caption", VariantType::String, [](const F& c) { return Variant(c.Caption()); },
-          [](F& c, const Variant& v) { c.Caption(v.ToString()); }),
-  };
+// One helper per value type, taking the class's getter and setter.
+template <class C>
+Property color(const char* name, OLE_COLOR (C::*get)() const, void (C::*set)(OLE_COLOR)) {
+  return property<C>(
+      name, VariantType::Color, [get](const C& c) { return Variant::Color((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToColor()); });
+}
+
+template <class C>
+Property boolean(const char* name, bool (C::*get)() const, void (C::*set)(bool)) {
+  return property<C>(
+      name, VariantType::Boolean, [get](const C& c) { return Variant((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToBoolean()); });
+}
+
+template <class C>
+Property integer(const char* name, int16_t (C::*get)() const, void (C::*set)(int16_t)) {
+  return property<C>(
+      name, VariantType::Integer, [get](const C& c) { return Variant((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToInteger()); });
+}
+
+template <class C>
+Property longValue(const char* name, int32_t (C::*get)() const, void (C::*set)(int32_t)) {
+  return property<C>(
+      name, VariantType::Long, [get](const C& c) { return Variant((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToLong()); });
+}
+
+// An enumeration stored as a Long; values outside it are passed on as they
+// are, the controls say how they draw one.
+template <class C, class E>
+Property enumeration(const char* name, E (C::*get)() const, void (C::*set)(E)) {
+  return property<C>(
+      name, VariantType::Long,
+      [get](const C& c) { return Variant(static_cast<int32_t>((c.*get)())); },
+      [set](C& c, const Variant& v) { (c.*set)(static_cast<E>(v.ToLong())); });
+}
+
+template <class C>
+Property text(const char* name, const std::string& (C::*get)() const,
+              void (C::*set)(const std::string&)) {
+  return property<C>(
+      name, VariantType::String, [get](const C& c) { return Variant((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToString()); });
+}
+
+template <class C>
+Property font(const char* name, std::shared_ptr<Font> (C::*get)() const,
+              void (C::*set)(std::shared_ptr<Font>)) {
+  return property<C>(
+      name, VariantType::Font, [get](const C& c) { return Variant((c.*get)()); },
+      [set](C& c, const Variant& v) { (c.*set)(v.ToFont()); });
 }
 
 std::shared_ptr<ImageList> imageListOf(const Variant& value) {
@@ -74,20 +113,31 @@ std::shared_ptr<ImageList> imageListOf(const Variant& value) {
   return imageList;
 }
 
+template <class C>
+Property imageList(const char* name, std::shared_ptr<ImageList> (C::*get)() const,
+                   void (C::*set)(std::shared_ptr<ImageList>)) {
+  return property<C>(
+      name, VariantType::Object,
+      [get](const C& c) { return Variant(std::shared_ptr<Object>((c.*get)())); },
+      [set](C& c, const Variant& v) { (c.*set)(imageListOf(v)); });
+}
+
+// BackColor, ForeColor, Enabled, Font and Caption, in the order the frame
+// stores them.
+std::vector<Property> frameProperties() {
+  using F = ControlFrame;
+  return {color<F>("BackColor", &F::BackColor, &F::BackColor),
+          color<F>("ForeColor", &F::ForeColor, &F::ForeColor),
+          boolean<F>("Enabled", &F::Enabled, &F::Enabled), font<F>("Font", &F::Font, &F::Font),
+          text<F>("Caption", &F::Caption, &F::Caption)};
+}
+
 ControlClass buttonClass() {
   using B = veltButton;
   std::vector<Property> properties = frameProperties();
-  properties.push_back(property<B>(
-      "TabSelectColor", VariantType::Color,
-      [](const B& c) { return Variant::Color(c.TabSelectColor()); },
-      [](B& c, const Variant& v) { c.TabSelectColor(v.ToColor()); }));
-  properties.push_back(property<B>(
-      "ImageList", VariantType::Object,
-      [](const B& c) { return Variant(std::shared_ptr<Object>(c.ImageList())); },
-      [](B& c, const Variant& v) { c.ImageList(imageListOf(v)); }));
-  properties.push_back(property<B>(
-      "ImageIndex", VariantType::Integer, [](const B& c) { return Variant(c.ImageIndex()); },
-      [](B& c, const Variant& v) { c.ImageIndex(v.ToInteger()); }));
+  properties.push_back(color<B>("TabSelectColor", &B::TabSelectColor, &B::TabSelectColor));
+  properties.push_back(imageList<B>("ImageList", &B::ImageList, &B::ImageList));
+  properties.push_back(integer<B>("ImageIndex", &B::ImageIndex, &B::ImageIndex));
   return ControlClass(
       "veltButton", SizeL{100, 30}, [] { return std::make_shared<veltButton>(); },
       std::move(properties));
@@ -98,10 +148,89 @@ ControlClass glyphButtonClass() {
   return ControlClass("veltXButton", SizeL{17, 17}, nullptr, frameProperties());
 }
 
+ControlClass progressBarClass() {
+  using P = veltProgressBar;
+  return ControlClass(
+      "veltProgressBar", SizeL{200, 20}, [] { return std::make_shared<P>(); },
+      {color<P>("BackColor", &P::BackColor, &P::BackColor),
+       boolean<P>("Enabled", &P::Enabled, &P::Enabled), font<P>("Font", &P::Font, &P::Font),
+       enumeration<P>("Orientation", &P::Orientation, &P::Orientation),
+       enumeration<P>("Style", &P::Style, &P::Style), integer<P>("Value", &P::Value, &P::Value),
+       text<P>("Caption", &P::Caption, &P::Caption),
+       color<P>("ForeColor", &P::ForeColor, &P::ForeColor)});
+}
+
+ControlClass scrollBarClass() {
+  using S = veltScrollBar;
+  return ControlClass(
+      "veltScrollBar", SizeL{17, 120}, [] { return std::make_shared<S>(); },
+      {boolean<S>("Enabled", &S::Enabled, &S::Enabled), longValue<S>("Min", &S::Min, &S::Min),
+       longValue<S>("Max", &S::Max, &S::Max), longValue<S>("Value", &S::Value, &S::Value),
+       enumeration<S>("Orientation", &S::Orientation, &S::Orientation),
+       color<S>("BackColor", &S::BackColor, &S::BackColor),
+       color<S>("ForeColor", &S::ForeColor, &S::ForeColor)});
+}
+
+// On its form the menu is a fixed-size anchor that draws nothing; its face is
+// the pop-up window CreateMenu opens.
+ControlClass popupMenuClass() {
+  using M = veltPUMenu;
+  const int32_t side = M::kControlSize / kDefaultTwipsPerPixel;
+  return ControlClass(
+      "veltPUMenu", SizeL{side, side}, [] { return std::make_shared<M>(); },
+      {color<M>("BackColor", &M::BackColor, &M::BackColor),
+       color<M>("ForeColor", &M::ForeColor, &M::ForeColor), font<M>("Font", &M::Font, &M::Font),
+       imageList<M>("ImageList", &M::ImageList, &M::ImageList),
+       color<M>("SelectionColor", &M::SelectionColor, &M::SelectionColor)});
+}
+
+ControlClass sliderClass() {
+  using S = veltSlider;
+  return ControlClass(
+      "veltSlider", SizeL{150, 25}, [] { return std::make_shared<S>(); },
+      {color<S>("BackColor", &S::BackColor, &S::BackColor),
+       color<S>("ForeColor", &S::ForeColor, &S::ForeColor),
+       boolean<S>("Enabled", &S::Enabled, &S::Enabled), font<S>("Font", &S::Font, &S::Font),
+       color<S>("TabSelectColor", &S::TabSelectColor, &S::TabSelectColor),
+       enumeration<S>("Orientation", &S::Orientation, &S::Orientation),
+       enumeration<S>("TickStyle", &S::TickStyle, &S::TickStyle),
+       longValue<S>("Min", &S::Min, &S::Min), longValue<S>("Max", &S::Max, &S::Max),
+       longValue<S>("Value", &S::Value, &S::Value)});
+}
+
+ControlClass labelClass() {
+  using L = veltLabel;
+  return ControlClass(
+      "veltLabel", SizeL{120, 20}, [] { return std::make_shared<L>(); },
+      {color<L>("BackColor", &L::BackColor, &L::BackColor),
+       color<L>("ForeColor", &L::ForeColor, &L::ForeColor),
+       boolean<L>("Enabled", &L::Enabled, &L::Enabled),
+       imageList<L>("ImageList", &L::ImageList, &L::ImageList),
+       integer<L>("ImageIndex", &L::ImageIndex, &L::ImageIndex),
+       text<L>("Caption", &L::Caption, &L::Caption),
+       text<L>("Hyperlink", &L::Hyperlink, &L::Hyperlink),
+       color<L>("SelectionColor", &L::SelectionColor, &L::SelectionColor),
+       boolean<L>("TextWrap", &L::TextWrap, &L::TextWrap),
+       boolean<L>("AutoSize", &L::AutoSize, &L::AutoSize), font<L>("Font", &L::Font, &L::Font),
+       integer<L>("MousePointer", &L::MousePointer, &L::MousePointer)});
+}
+
+ControlClass colorPickerClass() {
+  using P = veltColorPicker;
+  return ControlClass("veltColorPicker", SizeL{160, 85}, [] { return std::make_shared<P>(); },
+                      {color<P>("Color", &P::Color, &P::Color)});
+}
+
+ControlClass tabClass() {
+  return ControlClass("veltTab", SizeL{40, 40}, [] { return std::make_shared<veltTab>(); }, {});
+}
+
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry({buttonClass(), glyphButtonClass()});
+  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
+                                         scrollBarClass(), sliderClass(), popupMenuClass(),
+                                         labelClass(), colorPickerClass(), tabClass()});
   return registry;
 }
 
@@ -132,6 +261,19 @@ const ControlClass& ControlRegistry::ClassOf(const UserControl& control) const {
 
 std::shared_ptr<UserControl> ControlRegistry::Create(std::string_view name) const {
   return ClassNamed(name).Create();
+}
+
+std::shared_ptr<UserControl> ControlRegistry::CreateControl(std::string_view type) const {
+  return Create(type);
+}
+
+std::optional<FormFile::ControlTypes::PropertyInfo> ControlRegistry::FindProperty(
+    std::string_view type, std::string_view property) const {
+  const ControlClass* controlClass = Find(type);
+  if (!controlClass) return std::nullopt;
+  const ControlClass::Property* found = controlClass->FindProperty(property);
+  if (!found) return std::nullopt;
+  return PropertyInfo{found->Name, found->Type};
 }
 
 }  // namespace velt

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "velt/controls/ControlClass.hpp"
+#include "velt/host/FormFile.hpp"
 
 namespace velt {
 
@@ -13,7 +15,7 @@ class UserControl;
 
 // The control classes of the library by name, for the velt tool, form files
 // and the gallery. Class names match in any letter case.
-class ControlRegistry {
+class ControlRegistry : public FormFile::ControlTypes {
  public:
   // Every class of the library, internal ones included.
   static const ControlRegistry& Standard();
@@ -30,6 +32,11 @@ class ControlRegistry {
   const ControlClass& ClassOf(const UserControl& control) const;
   // A new control; error 5 for an unknown name or an internal class.
   std::shared_ptr<UserControl> Create(std::string_view name) const;
+
+  // FormFile::ControlTypes.
+  std::shared_ptr<UserControl> CreateControl(std::string_view type) const override;
+  std::optional<PropertyInfo> FindProperty(std::string_view type,
+                                           std::string_view property) const override;
 
  private:
   std::vector<ControlClass> classes_;

@@ -1,11 +1,13 @@
-// Runs the built `velt snap` once and checks what it did: its exit status, its
-// standard output against an expected file, its messages, the PNGs it wrote
-// (size, and pixels against golden images), or that it wrote nothing at all.
+// Runs the built `velt snap` (or another command of the tool) once and checks
+// what it did: its exit status, its standard output against an expected file,
+// its messages, the PNGs it wrote (size, and pixels against golden images), or
+// that it wrote nothing at all.
 //
-//   velt_snap_check --velt PATH --work DIR [checks] -- SNAP-ARGUMENTS...
+//   velt_snap_check --velt PATH --work DIR [--command NAME] [checks] -- ARGUMENTS...
 //
 // DIR is emptied first and velt runs inside it, so relative file names in the
 // arguments land there; its output goes to DIR.stdout and DIR.stderr.
+//   --command NAME        run `velt NAME ARGUMENTS` (default: snap)
 //   --stdin FILE          feed FILE to velt's standard input
 //   --status N            expected exit status (default 0)
 //   --stdout FILE         standard output must equal FILE
@@ -53,6 +55,7 @@ struct SizeCheck {
 
 struct Options {
   std::string velt;
+  std::string command = "snap";
   fs::path work;
   std::string stdinFile;
   int status = 0;
@@ -95,6 +98,8 @@ Options parseOptions(int argc, char** argv) {
     if (word == "--") break;
     if (word == "--velt") {
       options.velt = next();
+    } else if (word == "--command") {
+      options.command = next();
     } else if (word == "--work") {
       options.work = next();
     } else if (word == "--stdin") {
@@ -130,9 +135,9 @@ void redirect(const std::string& path, int fd, int flags) {
   close(file);
 }
 
-// Runs `velt snap ARGUMENTS` in the work directory; returns its exit status.
+// Runs `velt COMMAND ARGUMENTS` in the work directory; returns its exit status.
 int runVelt(const Options& options, const fs::path& out, const fs::path& err) {
-  std::vector<std::string> words = {options.velt, "snap"};
+  std::vector<std::string> words = {options.velt, options.command};
   words.insert(words.end(), options.arguments.begin(), options.arguments.end());
   std::vector<char*> argv;
   for (std::string& word : words)

@@ -1,0 +1,235 @@
+#include "apps/velt/Gallery.hpp"
+
+#include <algorithm>
+
+#include "apps/velt/GalleryIcons.hpp"
+#include "velt/controls/buttons/veltButton.hpp"
+#include "velt/controls/lists/veltColorPicker.hpp"
+#include "velt/controls/menus/MenuItems.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/range/veltProgressBar.hpp"
+#include "velt/controls/range/veltScrollBar.hpp"
+#include "velt/controls/range/veltSlider.hpp"
+#include "velt/controls/text/veltLabel.hpp"
+#include "velt/controls/veltTab.hpp"
+#include "velt/host/Form.hpp"
+#include "velt/host/Site.hpp"
+#include "velt/platform/Font.hpp"
+#include "velt/platform/ImageList.hpp"
+#include "velt/platform/PropertyBag.hpp"
+#include "velt/platform/WindowSystem.hpp"
+
+namespace velt::tool {
+
+namespace {
+
+constexpr OLE_COLOR kFormColor = 0xF0F0F0;
+constexpr OLE_COLOR kHeadingColor = 0x404040;
+constexpr OLE_COLOR kGreen = 0x3C8C00;  // 0x00BBGGRR
+
+// The left column holds the headings; the controls start right of it.
+constexpr int32_t kHeadingWidth = 110;
+constexpr int32_t kHeadingHeight = 18;
+constexpr int32_t kColumn = 130;
+
+constexpr int16_t kCheckIcon = 1;
+constexpr int16_t kCrossIcon = 2;
+constexpr int16_t kInfoIcon = 3;
+constexpr int16_t kPlusIcon = 4;
+
+}  // namespace
+
+Gallery::Gallery(std::shared_ptr<WindowSystem> system)
+    : system_(std::move(system)),
+      icons_(GalleryIcons::Make()),
+      form_(std::make_unique<Form>(system_, kCaption, kWidth, kHeight)) {
+  form_->BackColor(kFormColor);
+  addButtons(16);
+  addProgressBars(64);
+  addSliders(130);
+  addScrollBars(235);
+  addLabels(295);
+  addPickers(375);
+  addMenu(375);
+  form_->FindSite(kFocusedName)->SetFocus();
+  startCycle();
+}
+
+Gallery::~Gallery() {
+  system_->Timers().Remove(cycleTimer_);
+}
+
+template <class T>
+std::shared_ptr<T> Gallery::add(const char* name, int32_t left, int32_t top, int32_t width,
+                                int32_t height, MyOrientation orientation) {
+  // Given as a stored property, the orientation is there before the first
+  // resize, so the control keeps the size asked for.
+  PropertyBag stored;
+  stored.WriteProperty("Orientation", Variant(static_cast<int32_t>(orientation)));
+  auto control = std::make_shared<T>();
+  form_->AddControl(control, name, left, top, width, height, &stored);
+  return control;
+}
+
+template <class T>
+std::shared_ptr<T> Gallery::add(const char* name, int32_t left, int32_t top, int32_t width,
+                                int32_t height) {
+  return form_->Add<T>(name, left, top, width, height);
+}
+
+void Gallery::heading(const char* name, const char* caption, int32_t top, int32_t left) {
+  auto label = add<veltLabel>(name, left, top, kHeadingWidth, kHeadingHeight);
+  auto font = form_->Font()->Clone();
+  font->Bold(true);
+  label->Font(font);
+  label->BackColor(kFormColor);
+  label->ForeColor(kHeadingColor);
+  label->Caption(caption);
+}
+
+void Gallery::addButtons(int32_t top) {
+  heading("headingButton", "veltButton", top + 6);
+  const auto button = [&](const char* name, int32_t column, const char* caption) {
+    auto made = add<veltButton>(name, kColumn + column * 120, top, 110, 30);
+    made->Caption(caption);
+    return made;
+  };
+  button("buttonNormal", 0, "Normal");
+  button("buttonDisabled", 1, "Disabled")->Enabled(false);
+  auto icon = button("buttonIcon", 2, "With icon");
+  icon->ImageList(icons_);
+  icon->ImageIndex(kCheckIcon);
+  auto disabledIcon = button("buttonIconDisabled", 3, "Disabled");
+  disabledIcon->ImageList(icons_);
+  disabledIcon->ImageIndex(kCrossIcon);
+  disabledIcon->Enabled(false);
+  button(kFocusedName, 4, "Focused");
+}
+
+void Gallery::addProgressBars(int32_t top) {
+  heading("headingProgressBar", "veltProgressBar", top);
+  auto normal = add<veltProgressBar>("progressNormal", kColumn, top, 200, 20);
+  normal->Value(30);
+  auto colored = add<veltProgressBar>("progressColored", kColumn + 215, top, 200, 20);
+  colored->ForeColor(kGreen);
+  colored->Value(75);
+  auto disabled = add<veltProgressBar>("progressDisabled", kColumn, top + 30, 200, 20);
+  disabled->Value(60);
+  disabled->Enabled(false);
+  searching_ = add<veltProgressBar>(kSearchingName, kColumn + 215, top + 30, 200, 20);
+  searching_->Style(tSearch);
+  searching_->Value(30);
+  auto vertical = add<veltProgressBar>("progressVertical", kColumn + 430, top, 20, 50, pbVertical);
+  vertical->Value(65);
+}
+
+void Gallery::addSliders(int32_t top) {
+  heading("headingSlider", "veltSlider", top + 4);
+  const auto slider = [&](const char* name, int32_t column, int32_t row, TickStyles style) {
+    auto made = add<veltSlider>(name, kColumn + column * 165, top + row * 45, 150, 25);
+    made->TickStyle(style);
+    return made;
+  };
+  slider("sliderNone", 0, 0, Tick_None);
+  slider("sliderHalf", 1, 0, Tick_Half);
+  slider("sliderFour", 2, 0, Tick_Four);
+  slider("sliderHalfValue", 0, 1, Tick_Half_Value);
+  auto fourValue = slider("sliderFourValue", 1, 1, Tick_Four_Value);
+  fourValue->Max(100);
+  fourValue->Value(40);
+  slider("sliderDisabled", 2, 1, Tick_Four)->Enabled(false);
+  // Vertical ones set their own width from the tick style.
+  auto vertical = add<veltSlider>("sliderVertical", kColumn + 510, top, 25, 130, pbVertical);
+  vertical->TickStyle(Tick_Four);
+  auto verticalValue =
+      add<veltSlider>("sliderVerticalValue", kColumn + 555, top, 25, 130, pbVertical);
+  verticalValue->TickStyle(Tick_Half_Value);
+  verticalValue->Value(3);
+}
+
+void Gallery::addScrollBars(int32_t top) {
+  heading("headingScrollBar", "veltScrollBar", top + 10);
+  add<veltScrollBar>("scrollHorizontal", kColumn, top, 200, 17, pbHorizontal);
+  auto disabled =
+      add<veltScrollBar>("scrollHorizontalDisabled", kColumn, top + 25, 200, 17, pbHorizontal);
+  disabled->Value(20);
+  disabled->Enabled(false);
+  add<veltScrollBar>("scrollVertical", kColumn + 215, top - 3, 17, 48, pbVertical);
+  auto verticalDisabled =
+      add<veltScrollBar>("scrollVerticalDisabled", kColumn + 240, top - 3, 17, 48, pbVertical);
+  verticalDisabled->Value(80);
+  verticalDisabled->Enabled(false);
+}
+
+void Gallery::addLabels(int32_t top) {
+  heading("headingLabel", "veltLabel", top);
+  const auto label = [&](const char* name, int32_t left, int32_t row, int32_t width, int32_t height,
+                         const char* caption) {
+    auto made = add<veltLabel>(name, kColumn + left, top + row * 28, width, height);
+    made->Caption(caption);
+    return made;
+  };
+  label("labelPlain", 0, 0, 120, 20, "A plain label");
+  label("labelEllipsis", 0, 1, 120, 20, "A caption too long to fit ends in an ellipsis");
+  label("labelWrap", 135, 0, 160, 62,
+        "A long caption with TextWrap set wraps onto further lines at word boundaries.")
+      ->TextWrap(true);
+  auto icon = label("labelIcon", 310, 0, 130, 20, "With an icon");
+  icon->ImageList(icons_);
+  icon->ImageIndex(kInfoIcon);
+  label("labelLink", 310, 1, 130, 20, "A hyperlink")->Hyperlink("https://example.com/");
+  label("labelDisabled", 455, 0, 120, 20, "Disabled")->Enabled(false);
+}
+
+void Gallery::addPickers(int32_t top) {
+  heading("headingColorPicker", "veltColorPicker", top);
+  add<veltColorPicker>("colorPicker", kColumn, top, 160, 85);
+  heading("headingTab", "veltTab", top + 100);
+  add<veltTab>("tab", kColumn, top + 97, 40, 24);
+}
+
+// The menu control is an anchor that draws nothing, hidden on the form; the
+// button opens its pop-up just below itself.
+void Gallery::addMenu(int32_t top) {
+  constexpr int32_t kLeft = kColumn + 200;
+  heading("headingPUMenu", "veltPUMenu", top + 6, kLeft);
+  auto opener = add<veltButton>(kMenuButtonName, kLeft + 120, top, 120, 30);
+  opener->Caption("Open menu");
+  opener->ImageList(icons_);
+  opener->ImageIndex(kPlusIcon);
+  menu_ = add<veltPUMenu>(kMenuName, kLeft + 260, top, 47, 47);
+  form_->FindSite(kMenuName)->Visible(false);
+  menu_->ImageList(icons_);
+  menu_->MenuItem = std::make_shared<MenuItems>();
+  fillMenu(*menu_->MenuItem);
+  connections_.push_back(opener->Click.connect([this] { openMenu(); }));
+}
+
+void Gallery::fillMenu(MenuItems& items) {
+  items.Add("title", "Gallery menu", 0, true, "", "", itTitle);
+  items.Add("check", "A checked item", 0, true, "", "", itCheck, true);
+  items.Add("icon", "An item with an icon", kCheckIcon);
+  items.Add("gap", "", 0, true, "", "", itPlaceholder);
+  items.Add("disabled", "A disabled item", kCrossIcon, false);
+  items.Add("bold", "A bold item", 0, true, "", "", itNormal, false, true);
+}
+
+void Gallery::openMenu() {
+  const Site& opener = *form_->FindSite(kMenuButtonName);
+  const RectL rect = opener.WindowRect();
+  const int32_t twips = opener.TwipsPerPixelX();
+  menu_->CreateMenu(rect.Left * twips, rect.Bottom * opener.TwipsPerPixelY(), "",
+                    static_cast<int16_t>(rect.Width()));
+}
+
+void Gallery::startCycle() {
+  cycleTimer_ = system_->Timers().Add([this] { cycle(); });
+  system_->Timers().Start(cycleTimer_, kCycleInterval);
+}
+
+void Gallery::cycle() {
+  const int16_t next = searching_->Value() + kCycleStep;
+  searching_->Value(next > veltProgressBar::kHighestValue ? veltProgressBar::kLowestValue : next);
+}
+
+}  // namespace velt::tool

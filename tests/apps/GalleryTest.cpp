@@ -1,0 +1,151 @@
+// The gallery: every registered control on it, a layout without overlaps,
+// the searching bar moved by its timer, and `velt gallery` rendering headless.
+
+#include "apps/velt/Gallery.hpp"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "apps/velt/GalleryCommand.hpp"
+#include "velt/controls/ControlRegistry.hpp"
+#include "velt/controls/menus/MenuItemListings.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/range/veltProgressBar.hpp"
+#include "velt/host/Form.hpp"
+#include "velt/host/Site.hpp"
+#include "velt/platform/HeadlessWindowSystem.hpp"
+#include "velt/platform/Picture.hpp"
+#include "velt/platform/Png.hpp"
+#include "velt/platform/PopupWindow.hpp"
+
+namespace velt::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool overlap(const RectL& a, const RectL& b) {
+  return a.Left < b.Right && b.Left < a.Right && a.Top < b.Bottom && b.Top < a.Bottom;
+}
+
+class GalleryTest : public ::testing::Test {
+ protected:
+  std::shared_ptr<HeadlessWindowSystem> system = std::make_shared<HeadlessWindowSystem>();
+  Gallery gallery{system};
+  Form& form = gallery.GalleryForm();
+};
+
+TEST_F(GalleryTest, ShowsEveryControlTheRegistryCanCreate) {
+  std::set<std::string> shown;
+  for (Site* site : form.Sites())
+    shown.insert(site->Control()->ClassName());
+  for (const std::string& name : ControlRegistry::Standard().CreatableNames())
+    EXPECT_TRUE(shown.count(name)) << name << " is registered but not in the gallery";
+}
+
+TEST_F(GalleryTest, ControlsLieInsideTheFormWithoutCoveringEachOther) {
+  const RectL client{0, 0, Gallery::kWidth, Gallery::kHeight};
+  const std::vector<Site*> sites = form.Sites();
+  for (size_t i = 0; i < sites.size(); ++i) {
+    const RectL bounds = sites[i]->Bounds();
+    EXPECT_TRUE(bounds.Width() > 0 && bounds.Height() > 0) << sites[i]->Name() << " has no area";
+    EXPECT_TRUE(bounds.Left >= 0 && bounds.Top >= 0 && bounds.Right <= client.Right &&
+                bounds.Bottom <= client.Bottom)
+        << sites[i]->Name() << " reaches outside the form";
+    for (size_t j = i + 1; j < sites.size(); ++j)
+      EXPECT_FALSE(overlap(bounds, sites[j]->Bounds()))
+          << sites[i]->Name() << " and " << sites[j]->Name() << " overlap";
+  }
+}
+
+TEST_F(GalleryTest, OpensWithTheFocusedButtonFocused) {
+  ASSERT_NE(form.FocusedSite(), nullptr);
+  EXPECT_EQ(form.FocusedSite()->Name(), Gallery::kFocusedName);
+}
+
+TEST_F(GalleryTest, TheTimerCyclesTheSearchingBarAndWrapsAtTheTop) {
+  auto bar =
+      std::dynamic_pointer_cast<veltProgressBar>(form.FindSite(Gallery::kSearchingName)->Control());
+  ASSERT_NE(bar, nullptr);
+  EXPECT_EQ(bar->Style(), tSearch);
+  const int16_t start = bar->Value();
+  system->AdvanceClock(Gallery::kCycleInterval - 1);
+  EXPECT_EQ(bar->Value(), start);
+  system->AdvanceClock(1);
+  EXPECT_EQ(bar->Value(), start + Gallery::kCycleStep);
+
+  std::vector<int16_t> seen;
+  for (int i = 0; i < 2 * veltProgressBar::kHighestValue / Gallery::kCycleStep; ++i) {
+    system->AdvanceClock(Gallery::kCycleInterval);
+    seen.push_back(bar->Value());
+  }
+  EXPECT_EQ(*std::max_element(seen.begin(), seen.end()), veltProgressBar::kHighestValue);
+  EXPECT_NE(std::find(seen.begin(), seen.end(), veltProgressBar::kLowestValue), seen.end());
+}
+
+TEST_F(GalleryTest, TheTimerStopsWithTheGallery) {
+  const size_t withGallery = system->Timers().Count();
+  {
+    Gallery second(system);
+    EXPECT_GT(system->Timers().Count(), withGallery);
+  }
+  EXPECT_EQ(system->Timers().Count(), withGallery);
+}
+
+TEST_F(GalleryTest, TheMenuButtonOpensThePopupMenuBelowItself) {
+  auto menu = std::dynamic_pointer_cast<veltPUMenu>(form.FindSite(Gallery::kMenuName)->Control());
+  ASSERT_NE(menu, nullptr);
+  EXPECT_FALSE(menu->MenuVisible);
+  const RectL button = form.FindSite(Gallery::kMenuButtonName)->WindowRect();
+  system->PostMouseMove(button.Left + 5, button.Top + 5);
+  system->PostMouseDown(1, button.Left + 5, button.Top + 5);
+  system->PostMouseUp(1, button.Left + 5, button.Top + 5);
+  system->RunUntilIdle();
+
+  EXPECT_TRUE(menu->MenuVisible);
+  ASSERT_NE(menu->Window(), nullptr);
+  EXPECT_TRUE(menu->Window()->Visible());
+  const RectL shown = menu->Window()->WindowRect();
+  EXPECT_EQ(shown.Left, button.Left);
+  EXPECT_EQ(shown.Top, button.Bottom);
+  EXPECT_GT(menu->Listings()->Count(), 3);
+}
+
+TEST(GalleryCommandTest, RendersHeadlessToTheFileGivenAndSaysSo) {
+  const fs::path out =
+      fs::temp_directory_path() / ("velt-gallery-" + std::to_string(getpid()) + ".png");
+  std::ostringstream printed;
+  std::ostringstream errors;
+  GalleryCommand command(printed, errors);
+  const std::vector<std::string> arguments = {"--headless", "--out", out.string()};
+  EXPECT_EQ(command.Run(arguments), 0) << errors.str();
+  EXPECT_NE(printed.str().find("rendered the gallery headless to " + out.string()),
+            std::string::npos)
+      << printed.str();
+  const auto picture = Png::Read(out.string());
+  EXPECT_EQ(picture->Width(), Gallery::kWidth);
+  EXPECT_EQ(picture->Height(), Gallery::kHeight);
+  fs::remove(out);
+}
+
+TEST(GalleryCommandTest, BadArgumentsAreUsageErrors) {
+  std::ostringstream printed;
+  std::ostringstream errors;
+  GalleryCommand command(printed, errors);
+  EXPECT_EQ(command.Run(std::vector<std::string>{"--out"}), 2);
+  EXPECT_NE(errors.str().find("--out needs a value"), std::string::npos) << errors.str();
+  EXPECT_EQ(command.Run(std::vector<std::string>{"--headless=yes"}), 2);
+  EXPECT_NE(errors.str().find("--headless takes no value"), std::string::npos) << errors.str();
+  EXPECT_EQ(command.Run(std::vector<std::string>{"extra"}), 2);
+  EXPECT_TRUE(printed.str().empty());
+}
+
+}  // namespace
+}  // namespace velt::tool

@@ -1,0 +1,221 @@
+// `velt run`: a form file run headless with a script, its events, pictures
+// and saving back; everything wrong is reported before anything is written.
+
+#include "apps/velt/RunCommand.hpp"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "apps/velt/RunOptions.hpp"
+#include "velt/controls/ControlRegistry.hpp"
+#include "velt/host/FormFile.hpp"
+#include "velt/platform/Error.hpp"
+#include "velt/platform/Picture.hpp"
+#include "velt/platform/Png.hpp"
+
+namespace velt::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kExamples = VELT_EXAMPLES_DIR;
+
+constexpr const char* kTwoButtons = R"({
+  "version": 1, "caption": "two", "width": 230, "height": 50,
+  "controls": [
+    {"type": "veltButton", "name": "left", "left": 10, "top": 10, "width": 100, "height": 30},
+    {"type": "veltButton", "name": "right", "left": 120, "top": 10, "width": 100, "height": 30}
+  ]
+})";
+
+// Sets an environment variable for the life of the object, then puts it back.
+class EnvironmentOverride {
+ public:
+  explicit EnvironmentOverride(const char* name) : name_(name) {
+    if (const char* value = std::getenv(name)) saved_ = value;
+    unsetenv(name);
+  }
+  ~EnvironmentOverride() {
+    if (saved_) setenv(name_, saved_->c_str(), 1);
+  }
+  EnvironmentOverride(const EnvironmentOverride&) = delete;
+  EnvironmentOverride& operator=(const EnvironmentOverride&) = delete;
+
+ private:
+  const char* name_;
+  std::optional<std::string> saved_;
+};
+
+class RunCommandTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder = fs::temp_directory_path() /
+             ("velt-run-" + std::to_string(getpid()) + "-" +
+              ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+  }
+  void TearDown() override { fs::remove_all(folder); }
+
+  int run(std::vector<std::string> arguments, const std::string& input = "") {
+    printed.str("");
+    errors.str("");
+    std::istringstream in(input);
+    RunCommand command(printed, errors, in);
+    return command.Run(arguments);
+  }
+  std::string write(const std::string& name, const std::string& text) {
+    const fs::path path = folder / name;
+    std::ofstream(path, std::ios::binary) << text;
+    return path.string();
+  }
+  std::vector<std::string> lines() const {
+    std::vector<std::string> result;
+    std::istringstream text(printed.str());
+    for (std::string line; std::getline(text, line);)
+      result.push_back(line);
+    return result;
+  }
+  bool folderHoldsOnly(const std::vector<std::string>& names) const {
+    size_t count = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      ++count;
+      if (std::find(names.begin(), names.end(), entry.path().filename().string()) == names.end())
+        return false;
+    }
+    return count == names.size();
+  }
+
+  fs::path folder;
+  std::ostringstream printed;
+  std::ostringstream errors;
+};
+
+TEST_F(RunCommandTest, PlaysTheScriptInFormPixelsAndPrintsEventsAfterTheControlsName) {
+  const std::string out = (folder / "button.png").string();
+  const int status =
+      run({kExamples + "/button.json", "--headless", "--input", "-", "--events", "--out", out},
+          "move 100 50\nclick 100 50\nmove 5 5\nwait 5\n");
+  ASSERT_EQ(status, 0) << errors.str();
+  EXPECT_EQ(lines(), (std::vector<std::string>{"okButton.MouseMove 0 0 30 15",
+                                               "okButton.MouseDown 1 0 30 15", "okButton.Click",
+                                               "okButton.MouseUp 1 0 30 15"}));
+  const auto picture = Png::Read(out);
+  EXPECT_EQ(picture->Width(), 240);
+  EXPECT_EQ(picture->Height(), 100);
+}
+
+TEST_F(RunCommandTest, PropAndFocusActOnTheControlThatHasTheFocus) {
+  const std::string form = write("two.json", kTwoButtons);
+  const std::string saved = (folder / "saved.json").string();
+  const int status = run({form, "--headless", "--input", "-", "--save", saved},
+                         "prop Caption=First\n"  // no focus yet: the first control
+                         "click 150 20\n"        // the right one takes the focus
+                         "prop Caption=Second\n"
+                         "blur\n"
+                         "prop BackColor=255\n"  // still the right one, which had it last
+                         "focus\n");
+  ASSERT_EQ(status, 0) << errors.str();
+
+  const FormFile file = FormFile::Load(saved, ControlRegistry::Standard());
+  ASSERT_EQ(file.Controls.size(), 2u) << "the helper that took the focus was saved too";
+  EXPECT_EQ(file.Controls[0].Properties.ReadProperty("Caption").ToString(), "First");
+  EXPECT_EQ(file.Controls[1].Properties.ReadProperty("Caption").ToString(), "Second");
+  EXPECT_EQ(file.Controls[1].Properties.ReadProperty("BackColor").ToLong(), 255);
+  EXPECT_FALSE(file.Controls[0].Properties.Contains("BackColor"));
+}
+
+TEST_F(RunCommandTest, SavingWritesTheFormAndItsPicturesBesideTheNewFile) {
+  const std::string saved = (folder / "copy.json").string();
+  ASSERT_EQ(run({kExamples + "/showcase.json", "--headless", "--save", saved}), 0) << errors.str();
+  const FormFile copy = FormFile::Load(saved, ControlRegistry::Standard());
+  ASSERT_EQ(copy.ImageLists.size(), 1u);
+  for (const std::string& file : copy.ImageLists[0].Files)
+    EXPECT_TRUE(fs::exists(folder / file)) << file;
+  ASSERT_FALSE(copy.Controls.empty());
+  EXPECT_EQ(copy.Controls[0].Name, "title");
+  EXPECT_EQ(copy.Controls[0].Properties.ReadProperty("Caption").ToString(), "Settings");
+  EXPECT_EQ(copy.Controls[0].Properties.ReadProperty("ImageIndex").ToLong(), 3);
+
+  // Run again from the copy: the same text comes out.
+  const std::string again = (folder / "again.json").string();
+  ASSERT_EQ(run({saved, "--headless", "--save", again}), 0) << errors.str();
+  std::ifstream first(saved);
+  std::ifstream second(again);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(first), {}),
+            std::string(std::istreambuf_iterator<char>(second), {}));
+}
+
+TEST_F(RunCommandTest, ABadFormFileIsReportedWithItsPathAndNothingIsWritten) {
+  const std::string form =
+      write("bad.json", R"({"version": 1, "width": 100, "height": 50, "controls": [
+        {"type": "veltSlider", "name": "s", "left": 0, "top": 0, "width": 90, "height": 25,
+         "properties": {"Max": "lots"}}]})");
+  EXPECT_EQ(run({form, "--headless", "--out", (folder / "out.png").string(), "--save",
+                 (folder / "saved.json").string()}),
+            2);
+  EXPECT_NE(errors.str().find("velt run: " + form +
+                              ": /controls/0/properties/Max: expected a whole number"),
+            std::string::npos)
+      << errors.str();
+  EXPECT_TRUE(folderHoldsOnly({"bad.json"}));
+}
+
+TEST_F(RunCommandTest, ABadScriptLineIsReportedBeforeAnythingRuns) {
+  EXPECT_EQ(run({kExamples + "/button.json", "--headless", "--input", "-", "--events", "--out",
+                 (folder / "out.png").string()},
+                "move 100 50\nprop Shape=3\n"),
+            2);
+  EXPECT_NE(errors.str().find("line 2 \"prop Shape=3\""), std::string::npos) << errors.str();
+  EXPECT_TRUE(printed.str().empty()) << "events printed before the check";
+  EXPECT_TRUE(folderHoldsOnly({}));
+}
+
+TEST_F(RunCommandTest, UsageMistakesAreReported) {
+  EXPECT_EQ(run({}), 2);
+  EXPECT_NE(errors.str().find("no form file named"), std::string::npos) << errors.str();
+  EXPECT_EQ(run({"a.json", "b.json"}), 2);
+  EXPECT_NE(errors.str().find("one form at a time"), std::string::npos) << errors.str();
+  EXPECT_EQ(run({"a.json", "--input", "x.txt"}), 2);
+  EXPECT_NE(errors.str().find("add --headless"), std::string::npos) << errors.str();
+  EXPECT_EQ(run({"a.json", "--save"}), 2);
+  EXPECT_NE(errors.str().find("--save needs a value"), std::string::npos) << errors.str();
+  EXPECT_EQ(run({"--help"}), 0);
+  EXPECT_NE(printed.str().find("usage: velt run"), std::string::npos);
+}
+
+TEST_F(RunCommandTest, AWindowWithoutADisplayFailsAndPointsToHeadless) {
+  EnvironmentOverride display("DISPLAY");
+  EnvironmentOverride wayland("WAYLAND_DISPLAY");
+  EXPECT_EQ(run({kExamples + "/button.json", "--out", (folder / "out.png").string()}), 1);
+  EXPECT_NE(errors.str().find("--headless"), std::string::npos) << errors.str();
+  EXPECT_TRUE(folderHoldsOnly({}));
+}
+
+TEST(RunOptionsTest, TakesValuesAfterAnEqualsSignOrAsTheNextArgument) {
+  const RunOptions options = RunOptions::Parse(
+      std::vector<std::string>{"--headless", "--out=a.png", "form.json", "--input", "s.txt",
+                               "--events", "--save", "b.json"});
+  EXPECT_EQ(options.Form, "form.json");
+  EXPECT_TRUE(options.Headless);
+  EXPECT_TRUE(options.Events);
+  EXPECT_EQ(options.Out, "a.png");
+  EXPECT_EQ(options.Input, "s.txt");
+  EXPECT_EQ(options.Save, "b.json");
+  EXPECT_THROW(RunOptions::Parse(std::vector<std::string>{"f.json", "--out", "a", "--out", "b"}),
+               Error);
+}
+
+}  // namespace
+}  // namespace velt::tool
