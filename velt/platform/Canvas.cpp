@@ -403,10 +403,14 @@ void Canvas::gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode)
         first[i] = ramp.pixel(p0 + static_cast<int32_t>(i));
       copyRowDown(pixels_.data(), width_, xs, ys);
     } else {
-      for (int64_t row = ys.begin; row < ys.end; ++row)
-        fillRow(static_cast<int32_t>(row), static_cast<int32_t>(xs.begin),
-                static_cast<int32_t>(xs.end),
-                ramp.pixel(p0 + static_cast<int32_t>(row - ys.begin)));
+      // Edges are one pixel wide: a plain loop per row, no call per row.
+      uint32_t* row = first;
+      const auto rows = static_cast<int32_t>(ys.size());
+      for (int32_t i = 0; i < rows; ++i, row += width_) {
+        const uint32_t pixel = ramp.pixel(p0 + i);
+        for (size_t x = 0; x < count; ++x)
+          row[x] = pixel;
+      }
     }
     return;
   }
