@@ -27,7 +27,7 @@
 namespace velt {
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(3);
+constexpr auto kPatience = std::chrono::seconds(10);
 constexpr int32_t kFormLeft = 40;
 constexpr int32_t kFormTop = 60;
 

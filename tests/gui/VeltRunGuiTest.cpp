@@ -33,7 +33,7 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kPatience = std::chrono::seconds(5);
+constexpr auto kPatience = std::chrono::seconds(10);
 constexpr const char* kCaption = "velt button example";
 // The button of examples/button.json is at (70, 35), 100 x 30.
 constexpr int32_t kClickX = 100;
