@@ -37,6 +37,8 @@ constexpr int16_t kCrossIcon = 2;
 constexpr int16_t kInfoIcon = 3;
 constexpr int16_t kPlusIcon = 4;
 
+constexpr int16_t kRightButton = 2;
+
 }  // namespace
 
 Gallery::Gallery(std::shared_ptr<WindowSystem> system)
@@ -203,6 +205,10 @@ void Gallery::addMenu(int32_t top) {
   menu_->MenuItem = std::make_shared<MenuItems>();
   fillMenu(*menu_->MenuItem);
   connections_.push_back(opener->Click.connect([this] { openMenu(); }));
+  // A right press on the bare form opens the same menu at the pointer.
+  connections_.push_back(form_->MouseDown.connect([this](int16_t button, int16_t, float, float) {
+    if (button == kRightButton) menu_->CreateMenu();
+  }));
 }
 
 void Gallery::fillMenu(MenuItems& items) {

@@ -24,7 +24,8 @@ namespace tool {
 // Every control the library has, in its main looks side by side on one form:
 // normal, disabled, with an icon, focused, vertical where the control has an
 // orientation, each tick style of the slider, the label's wrapping, ellipsis,
-// icon and hyperlink, a button that opens a popup menu. This class is the one place the gallery's
+// icon and hyperlink, a button that opens a popup menu (a right press on the
+// form's background opens it at the pointer). This class is the one place the gallery's
 // layout lives; `velt gallery` shows it in a window or renders it headless, and a test checks that
 // every class the registry can create is on it.
 //

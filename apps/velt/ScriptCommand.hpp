@@ -22,6 +22,7 @@ enum class ScriptVerb {
   Blur,     // blur
   Prop,     // prop Name=Value
   Shot,     // shot FILE.png
+  Menu,     // menu X Y
 };
 
 // One parsed line of a script. Only the fields of its verb are meaningful.

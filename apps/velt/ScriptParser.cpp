@@ -18,7 +18,7 @@ struct VerbInfo {
   const char* usage;
 };
 
-constexpr std::array<VerbInfo, 14> kVerbs = {{
+constexpr std::array<VerbInfo, 15> kVerbs = {{
     {"move", ScriptVerb::Move, "move X Y"},
     {"down", ScriptVerb::Down, "down B X Y"},
     {"up", ScriptVerb::Up, "up B X Y"},
@@ -33,6 +33,7 @@ constexpr std::array<VerbInfo, 14> kVerbs = {{
     {"blur", ScriptVerb::Blur, "blur"},
     {"prop", ScriptVerb::Prop, "prop Name=Value"},
     {"shot", ScriptVerb::Shot, "shot FILE.png"},
+    {"menu", ScriptVerb::Menu, "menu X Y"},
 }};
 
 constexpr int64_t kMaxKeyCode = 255;
@@ -219,6 +220,7 @@ void readArguments(CommandReader& in, ScriptCommand& command) {
       [[fallthrough]];
     case ScriptVerb::Move:
     case ScriptVerb::Click:
+    case ScriptVerb::Menu:
       in.Point(command);
       break;
     case ScriptVerb::KeyDown:

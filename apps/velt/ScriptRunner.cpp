@@ -102,9 +102,12 @@ std::optional<int16_t> ScriptRunner::CharacterOfKey(int16_t keyCode, int16_t shi
 
 void ScriptRunner::Check(const std::vector<ScriptCommand>& script) const {
   for (const ScriptCommand& command : script) {
-    if (command.Verb != ScriptVerb::Prop) continue;
+    if (command.Verb != ScriptVerb::Prop && command.Verb != ScriptVerb::Menu) continue;
     try {
-      target_.CheckProperty(PropertyArgument::Parse(command.Argument));
+      if (command.Verb == ScriptVerb::Menu)
+        target_.CheckMenu();
+      else
+        target_.CheckProperty(PropertyArgument::Parse(command.Argument));
     } catch (const Error& error) {
       throw ScriptError(error.Number(), error.Description(), source_, command.Line, command.Source);
     }
@@ -233,6 +236,11 @@ void ScriptRunner::postAction(const ScriptCommand& command, size_t index) {
     case ScriptVerb::Shot:
       postStep([this, argument] { target_.Shot(argument); }, index);
       break;
+    case ScriptVerb::Menu: {
+      const PointL point{command.X, command.Y};
+      postStep([this, point] { target_.OpenMenu(point); }, index);
+      break;
+    }
     default:
       break;
   }

@@ -38,7 +38,7 @@ class ScriptRunner {
  public:
   ScriptRunner(HeadlessWindowSystem& system, ScriptTarget& target, std::string source);
 
-  // Checks the prop commands against the target without running anything;
+  // Checks the prop and menu commands against the target without running anything;
   // a ScriptError names the first bad line.
   void Check(const std::vector<ScriptCommand>& script) const;
   // Queues the script and runs until the queue and the posted work are empty.

@@ -26,6 +26,10 @@ class ScriptTarget {
   virtual void Blur() = 0;
   // Writes a PNG of what the script is about.
   virtual void Shot(const std::string& path) = 0;
+  // Error 5 unless `menu` has a popup menu to open; by default there is none.
+  virtual void CheckMenu() const;
+  // Opens the popup menu at a point of the script's coordinates.
+  virtual void OpenMenu(PointL point);
 };
 
 }  // namespace velt::tool

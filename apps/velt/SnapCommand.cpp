@@ -29,8 +29,8 @@ SnapCommand::SnapCommand(std::ostream& out, std::ostream& err, std::istream& in)
     : out_(out), err_(err), in_(in) {}
 
 const char* SnapCommand::Usage() {
-  return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--input FILE|-]
-                      [--out FILE.png] [--screen] [--events]
+  return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--item ITEM]...
+                      [--input FILE|-] [--out FILE.png] [--screen] [--events]
        velt snap --list
        velt snap --help
 
@@ -46,8 +46,15 @@ written without --out or a shot command.
                      Font=Name,Size[,bold][,italic][,underline][,strikethrough]
                      (e.g. Font=DejaVu Sans,8.25,bold). Object properties
                      (ImageList) cannot be given on the command line.
+  --item ITEM        add an entry to a veltPUMenu's MenuItem (repeatable):
+                     Key|Caption|Icon|Enabled|Child|Group|ItemType|Checked|Bold,
+                     the fields after Key optional (Icon 0, Enabled True,
+                     ItemType 1 normal, 2 check, 3 separator, 4 title,
+                     Checked and Bold False); other controls have no items
   --input FILE|-     play the script in FILE (- reads standard input)
   --out FILE.png     write the control's rectangle of the screen at the end
+                     (a veltPUMenu draws its menu in a pop-up window of its
+                     own, outside that rectangle: use --screen to see it)
   --screen           --out and shot write the whole screen, pop-ups included
   --events           print each event the control raises, as it is raised:
                      its name, then its arguments separated by spaces
@@ -74,6 +81,10 @@ form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
   blur                  take the focus away from it
   prop Name=Value       set a property, as --prop does
   shot FILE.png         write a PNG now, as --out does
+  menu X Y              a veltPUMenu opens its menu (CreateMenu, the root
+                        group) with its corner at X Y; menu 0 0 opens it at
+                        the pointer. The next commands arrive while it waits
+                        for the buttons to be released
 Numbers are decimal, &H or 0x hexadecimal. The argument of text, prop and shot
 runs to the end of the line; written in JSON double quotes it may hold # and
 escapes. Between two commands the form runs its pending work ("wait 0" runs
@@ -132,6 +143,7 @@ int SnapCommand::run(const SnapOptions& options) {
   if (options.Events) printer.emplace(session.ControlSite(), out_);
   for (const PropertyArgument& property : properties)
     session.SetProperty(property);
+  session.AddMenuItems(options.Items);
   runner.Run(script);
   if (options.Out) session.WritePng(*options.Out);
   return kOk;

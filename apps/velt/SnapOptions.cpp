@@ -36,6 +36,8 @@ void readOption(ArgumentReader& reader, SnapOptions& options) {
     setOnce(options.Size, SnapOptions::ParseSize(reader.Value()), word);
   } else if (word == "--prop") {
     options.Properties.push_back(reader.Value());
+  } else if (word == "--item") {
+    options.Items.push_back(MenuItemArgument::Parse(reader.Value()));
   } else if (word == "--input") {
     setOnce(options.Input, reader.Value(), word);
   } else if (word == "--out") {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/velt/MenuItemArgument.hpp"
 #include "velt/platform/Geometry.hpp"
 
 namespace velt::tool {
@@ -20,6 +21,7 @@ struct SnapOptions {
   std::string Control;
   std::optional<SizeL> Size;
   std::vector<std::string> Properties;  // "Name=Value", in the order given
+  std::vector<MenuItemArgument> Items;  // --item, in the order given
   std::optional<std::string> Input;     // a file, or "-" for standard input
   std::optional<std::string> Out;
   bool Screen = false;

@@ -5,8 +5,11 @@
 #include "apps/velt/FocusSink.hpp"
 #include "apps/velt/PropertyArgument.hpp"
 #include "velt/controls/ControlClass.hpp"
+#include "velt/controls/menus/MenuItems.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
+#include "velt/platform/Error.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/Png.hpp"
 
@@ -84,6 +87,37 @@ void SnapSession::Focus() {
 void SnapSession::Blur() {
   if (!sink_) sink_ = &form_->AddControl(std::make_shared<FocusSink>(), kSinkName, 0, 0, 0, 0);
   sink_->SetFocus();
+}
+
+veltPUMenu* SnapSession::menu() const {
+  return dynamic_cast<veltPUMenu*>(site_->Control().get());
+}
+
+void SnapSession::CheckMenu() const {
+  if (!menu())
+    throw Error(errInvalidProcedureCall,
+                "menu: " + class_.Name() + " is not a veltPUMenu, it has no menu to open");
+}
+
+void SnapSession::OpenMenu(PointL point) {
+  CheckMenu();
+  const PointL origin = Origin();
+  const int32_t x = (origin.x + point.x) * site_->TwipsPerPixelX();
+  const int32_t y = (origin.y + point.y) * site_->TwipsPerPixelY();
+  // Held: a handler run while the menu waits may take the control away.
+  const std::shared_ptr<UserControl> control = site_->Control();
+  static_cast<veltPUMenu&>(*control).CreateMenu(x, y, "", 0);
+}
+
+void SnapSession::AddMenuItems(const std::vector<MenuItemArgument>& items) {
+  if (items.empty()) return;
+  veltPUMenu* control = menu();
+  if (!control)
+    throw Error(errInvalidProcedureCall,
+                "--item: " + class_.Name() + " has no menu items (only veltPUMenu takes --item)");
+  if (!control->MenuItem) control->MenuItem = std::make_shared<MenuItems>();
+  for (const MenuItemArgument& item : items)
+    item.AddTo(*control->MenuItem);
 }
 
 }  // namespace velt::tool

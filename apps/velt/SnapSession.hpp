@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "apps/velt/MenuItemArgument.hpp"
 #include "apps/velt/ScriptTarget.hpp"
 #include "velt/platform/Canvas.hpp"
 #include "velt/platform/Geometry.hpp"
@@ -14,6 +16,7 @@ class Form;
 class HeadlessWindowSystem;
 class Site;
 class UserControl;
+class veltPUMenu;
 
 namespace tool {
 
@@ -51,8 +54,19 @@ class SnapSession : public ScriptTarget {
   void Focus() override;
   void Blur() override;
   void Shot(const std::string& path) override { WritePng(path); }
+  // The control when it is a veltPUMenu: CreateMenu at the point's screen
+  // pixel in twips, root group, M_Width 0 ((0, 0) on the screen opens at the
+  // pointer).
+  void CheckMenu() const override;
+  void OpenMenu(PointL point) override;
+
+  // Appends the items to the control's MenuItem; error 5 for a control
+  // without menu items.
+  void AddMenuItems(const std::vector<MenuItemArgument>& items);
 
  private:
+  veltPUMenu* menu() const;  // nullptr unless the control is one
+
   const ControlClass& class_;
   bool wholeScreen_;
   std::shared_ptr<HeadlessWindowSystem> system_;

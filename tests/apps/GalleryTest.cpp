@@ -99,6 +99,36 @@ TEST_F(GalleryTest, TheTimerStopsWithTheGallery) {
   EXPECT_EQ(system->Timers().Count(), withGallery);
 }
 
+TEST_F(GalleryTest, ARightPressOnTheBareFormOpensTheMenuAtThePointer) {
+  auto menu = std::dynamic_pointer_cast<veltPUMenu>(form.FindSite(Gallery::kMenuName)->Control());
+  ASSERT_NE(menu, nullptr);
+  // A left press on the background and a right press on a control open nothing.
+  const RectL button = form.FindSite(Gallery::kMenuButtonName)->WindowRect();
+  system->PostMouseDown(1, 5, Gallery::kHeight - 5);
+  system->PostMouseUp(1, 5, Gallery::kHeight - 5);
+  system->PostMouseDown(2, button.Left + 5, button.Top + 5);
+  system->PostMouseUp(2, button.Left + 5, button.Top + 5);
+  system->RunUntilIdle();
+  EXPECT_FALSE(menu->MenuVisible);
+
+  const PointL spot{Gallery::kWidth - 60, Gallery::kHeight - 20};
+  for (const Site* site : form.Sites())
+    ASSERT_FALSE(site->Visible() && site->WindowRect().Left <= spot.x &&
+                 spot.x < site->WindowRect().Right && site->WindowRect().Top <= spot.y &&
+                 spot.y < site->WindowRect().Bottom)
+        << site->Name() << " covers the spot";
+  system->PostMouseMove(spot.x, spot.y);
+  system->PostMouseDown(2, spot.x, spot.y);
+  system->PostMouseUp(2, spot.x, spot.y);
+  system->RunUntilIdle();
+  EXPECT_TRUE(menu->MenuVisible);
+  ASSERT_NE(menu->Window(), nullptr);
+  const RectL shown = menu->Window()->WindowRect();
+  // At the pointer, or flipped up and left of it where the screen ends.
+  EXPECT_TRUE(shown.Left == spot.x || shown.Right == spot.x) << shown.Left << " " << shown.Right;
+  EXPECT_TRUE(shown.Top == spot.y || shown.Bottom == spot.y) << shown.Top << " " << shown.Bottom;
+}
+
 TEST_F(GalleryTest, TheMenuButtonOpensThePopupMenuBelowItself) {
   auto menu = std::dynamic_pointer_cast<veltPUMenu>(form.FindSite(Gallery::kMenuName)->Control());
   ASSERT_NE(menu, nullptr);

@@ -48,6 +48,17 @@ TEST(ScriptParserTest, PointerCommands) {
   EXPECT_EQ(click.Y, 6);
 }
 
+TEST(ScriptParserTest, MenuTakesAPointAndNothingMore) {
+  ScriptCommand menu = only("Menu 10 &H14");
+  EXPECT_EQ(menu.Verb, ScriptVerb::Menu);
+  EXPECT_EQ(menu.X, 10);
+  EXPECT_EQ(menu.Y, 20);
+  EXPECT_NE(problemOf("menu 10").find("menu needs menu X Y"), std::string::npos)
+      << problemOf("menu 10");
+  EXPECT_NE(problemOf("menu 1 2 3").find("\"3\""), std::string::npos) << problemOf("menu 1 2 3");
+  EXPECT_NE(problemOf("menu a 2").find("X \"a\""), std::string::npos) << problemOf("menu a 2");
+}
+
 TEST(ScriptParserTest, KeyCommands) {
   ScriptCommand keyDown = only("keydown 65 3");
   EXPECT_EQ(keyDown.Verb, ScriptVerb::KeyDown);

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/velt/SnapOptions.hpp"
@@ -61,6 +62,49 @@ TEST(SnapOptionsTest, MistakesAreUsageErrorsNamingTheArgument) {
   EXPECT_EQ(SnapOptions::ParseSize("4096X1"), (SizeL{4096, 1}));
 }
 
+TEST(SnapOptionsTest, MenuItemsTakeAddsFieldsWithItsDefaults) {
+  const SnapOptions options =
+      parse({"veltPUMenu", "--item", "a", "--item=b|Bee|&H3|false|sub|grp|2|TRUE|True"});
+  ASSERT_EQ(options.Items.size(), 2u);
+  const MenuItemArgument& plain = options.Items[0];
+  EXPECT_EQ(plain.Key, "a");
+  EXPECT_EQ(plain.Caption, "");
+  EXPECT_EQ(plain.Icon, 0);
+  EXPECT_TRUE(plain.Enabled);
+  EXPECT_EQ(plain.ItemType, itNormal);
+  EXPECT_FALSE(plain.Checked);
+  EXPECT_FALSE(plain.Bold);
+  const MenuItemArgument& full = options.Items[1];
+  EXPECT_EQ(full.Caption, "Bee");
+  EXPECT_EQ(full.Icon, 3);
+  EXPECT_FALSE(full.Enabled);
+  EXPECT_EQ(full.Child, "sub");
+  EXPECT_EQ(full.Group, "grp");
+  EXPECT_EQ(full.ItemType, itCheck);
+  EXPECT_TRUE(full.Checked);
+  EXPECT_TRUE(full.Bold);
+  // Empty fields keep the defaults.
+  EXPECT_TRUE(MenuItemArgument::Parse("k|||").Enabled);
+}
+
+TEST(SnapOptionsTest, BadMenuItemFieldsNameTheOptionAndTheField) {
+  const std::vector<std::pair<const char*, const char*>> cases = {
+      {"k|c|x", "Icon \"x\""},
+      {"k|c|-1", "Icon \"-1\""},
+      {"k|c|1|yes", "Enabled \"yes\""},
+      {"k|c|1|True|||5", "ItemType \"5\""},
+      {"k|c|1|True|||0", "ItemType"},
+      {"k||||||1|1", "Checked \"1\""},
+      {"k||||||1|False|no", "Bold \"no\""},
+      {"k|||||||||x", "more than 9 fields"},
+  };
+  for (const auto& [item, field] : cases) {
+    const std::string problem = usageProblemOf({"veltPUMenu", "--item", item});
+    EXPECT_NE(problem.find(std::string("--item \"") + item + "\""), std::string::npos) << problem;
+    EXPECT_NE(problem.find(field), std::string::npos) << problem;
+  }
+}
+
 class SnapCommandTest : public ::testing::Test {
  protected:
   SnapCommandTest() { fs::create_directories(dir); }
@@ -102,6 +146,28 @@ TEST_F(SnapCommandTest, BadInputIsStatusTwoAndWritesNothing) {
   EXPECT_EQ(run({"veltButton", "--events", "--out", outFile, "--prop", "Enabled=sometimes"}), 2);
   EXPECT_TRUE(fs::is_empty(dir));
   EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(SnapCommandTest, AMenuOfItemsOpensAndReportsTheRowClicked) {
+  EXPECT_EQ(run({"veltPUMenu", "--item", "one|One", "--item", "two|Two", "--events", "--input", "-",
+                 "--screen", "--out", path("menu.png")},
+                "menu 10 10\nmove 40 45\nclick 40 45\nwait 5\n"),
+            0)
+      << err.str();
+  EXPECT_EQ(out.str(), "ItemClick 2 \"two\"\nClosed\n");
+  EXPECT_TRUE(fs::exists(path("menu.png")));
+}
+
+TEST_F(SnapCommandTest, MenuItemsAndMenuNeedAPopupMenu) {
+  const std::string outFile = path("out.png");
+  EXPECT_EQ(run({"veltButton", "--item", "k|Caption", "--out", outFile}), 2);
+  EXPECT_NE(err.str().find("--item: veltButton has no menu items"), std::string::npos) << err.str();
+  EXPECT_EQ(run({"veltButton", "--input", "-", "--out", outFile}, "wait 0\nmenu 1 1\n"), 2);
+  EXPECT_NE(err.str().find("line 2 \"menu 1 1\": menu: veltButton is not a veltPUMenu"),
+            std::string::npos)
+      << err.str();
+  EXPECT_EQ(run({"veltPUMenu", "--item", "k", "--item", "k", "--out", outFile}), 2);
+  EXPECT_TRUE(fs::is_empty(dir));
 }
 
 TEST_F(SnapCommandTest, AFailureWhileRunningKeepsEarlierShotsOnly) {

@@ -12,7 +12,8 @@
 namespace velt {
 
 Form::Form(std::shared_ptr<WindowSystem> system, std::string name, int32_t width, int32_t height)
-    : window_(std::make_shared<FormWindow>(std::move(system), std::move(name), width, height)) {}
+    : window_(std::make_shared<FormWindow>(std::move(system), std::move(name), width, height)),
+      MouseDown(window_->MouseDown) {}
 
 Form::~Form() {
   window_->Close();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "velt/platform/Canvas.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/Types.hpp"
 
@@ -24,6 +25,9 @@ class WindowSystem;
 // controls is still running, so an event handler may remove the control that
 // raised it, or destroy the form itself.
 class Form {
+  // First: MouseDown refers into it.
+  std::shared_ptr<FormWindow> window_;
+
  public:
   explicit Form(std::shared_ptr<WindowSystem> system, std::string name = "Form1",
                 int32_t width = 640, int32_t height = 480);
@@ -79,8 +83,10 @@ class Form {
   const Canvas& Image();
   void SavePng(const std::string& path);
 
- private:
-  std::shared_ptr<FormWindow> window_;
+  // A press on the form's background, outside every control: button, shift
+  // state and the point in pixels of the client area. The event lives in the
+  // form's core, so a handler may destroy this Form.
+  Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/>& MouseDown;
 };
 
 }  // namespace velt

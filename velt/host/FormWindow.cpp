@@ -217,7 +217,13 @@ void FormWindow::compose(const std::vector<std::shared_ptr<Site>>& sites, PointL
 
 void FormWindow::OnMouseDown(int16_t button, int16_t shift, int32_t x, int32_t y) {
   DispatchScope scope = Enter();
-  router_.MouseDown(button, shift, PointL{x, y});
+  const PointL point{x, y};
+  // Decided before routing: the press itself may move or remove controls.
+  const bool onForm =
+      router_.Capturing() ? router_.Captured() == nullptr : router_.SiteAt(point) == nullptr;
+  router_.MouseDown(button, shift, point);
+  if (onForm && !closed_)
+    MouseDown.Raise(button, shift, static_cast<float>(x), static_cast<float>(y));
 }
 
 void FormWindow::OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) {

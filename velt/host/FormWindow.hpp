@@ -8,6 +8,7 @@
 #include "velt/host/DispatchScope.hpp"
 #include "velt/host/InputRouter.hpp"
 #include "velt/platform/Canvas.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/Types.hpp"
 #include "velt/platform/WindowSystem.hpp"
@@ -74,6 +75,11 @@ class FormWindow final : public WindowSystem::FormClient,
   // The client area: background, then every visible site at its place,
   // children over their parent and cut to its rectangle.
   const Canvas& Image() override;
+
+  // A press on the form itself, where no control took it (nor holds the
+  // capture): the button, the shift state and the client pixel. Raised after
+  // the press was routed; Form hands it to the application.
+  Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> MouseDown;
 
   void OnMouseDown(int16_t button, int16_t shift, int32_t x, int32_t y) override;
   void OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) override;
