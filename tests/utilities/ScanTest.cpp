@@ -201,7 +201,7 @@ TEST_F(ScanTest, SeveralStartFoldersAreScannedAsOne) {
   tree.Folder("two/inner");
   tree.File("two/inner/c.txt");
   const Names found = Filenames(scanFiles(tree.Path("one") + " ; " + tree.Path("two")));
-  EXPECT_EQ(found.size(), 3u);
+  ASSERT_EQ(found.size(), 3u);
   EXPECT_EQ(AsSet(Names(found.begin(), found.begin() + 2)), (NameSet{"a.txt", "b.txt"}));
 }
 
