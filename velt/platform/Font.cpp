@@ -4,9 +4,13 @@
 
 namespace velt {
 
-Font::Font(std::string name, float size) : name_(std::move(name)) { Size(size); }
+Font::Font(std::string name, float size) : name_(std::move(name)) {
+  Size(size);
+}
 
-std::shared_ptr<Font> Font::Ambient() { return std::make_shared<Font>(); }
+std::shared_ptr<Font> Font::Ambient() {
+  return std::make_shared<Font>();
+}
 
 std::shared_ptr<Font> Font::Clone() const {
   auto copy = std::make_shared<Font>(*this);
@@ -22,14 +26,16 @@ void Font::Name(const std::string& name) {
 
 void Font::Size(float points) {
   if (!(points > 0.0f) || points > 2048.0f)
-    throw Error(errInvalidPropertyValue, "Font.Size " + std::to_string(points) +
-                                             " is outside 0 (exclusive) to 2048 points");
+    throw Error(errInvalidPropertyValue,
+                "Font.Size " + std::to_string(points) + " is outside 0 (exclusive) to 2048 points");
   if (points == size_) return;
   size_ = points;
   changed();
 }
 
-void Font::Bold(bool bold) { Weight(bold ? 700 : 400); }
+void Font::Bold(bool bold) {
+  Weight(bold ? 700 : 400);
+}
 
 void Font::Italic(bool italic) {
   if (italic == italic_) return;

@@ -22,7 +22,7 @@ class Picture : public Object {
   int32_t Height() const { return height_; }
   uint32_t Handle() const { return handle_; }
 
-  uint32_t Pixel(int32_t x, int32_t y) const;  // 0 outside the image
+  uint32_t Pixel(int32_t x, int32_t y) const;       // 0 outside the image
   void Pixel(int32_t x, int32_t y, uint32_t argb);  // ignored outside the image
   const uint32_t* Pixels() const { return pixels_.data(); }
   uint32_t* Pixels() { return pixels_.data(); }

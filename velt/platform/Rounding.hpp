@@ -21,6 +21,8 @@ inline double RoundHalfEven(double value) {
 }
 
 // Toward zero (-2.7 -> -2).
-inline double Fix(double value) { return std::trunc(value); }
+inline double Fix(double value) {
+  return std::trunc(value);
+}
 
 }  // namespace velt

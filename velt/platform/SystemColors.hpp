@@ -17,7 +17,7 @@ class SystemColors {
 
   static OLE_COLOR Get(int32_t index);
   static void Set(int32_t index, OLE_COLOR color);  // error 5 for an index outside 0..30
-  static void Reset();  // back to the classic defaults
+  static void Reset();                              // back to the classic defaults
 
   // A colour with the system flag translated; a plain colour is returned as it is.
   static OLE_COLOR Resolve(OLE_COLOR color) {
