@@ -1,69 +1,71 @@
-// The SDL window system on a real X display: CTest runs this program under
-// xvfb-run, and xdotool moves the real pointer and presses real keys. What the
-// windows show is compared pixel for pixel with the headless window system's
-// rendering of the same form in the same state.
+// Real windows on a real X display: CTest runs each case under xvfb-run, and
+// xdotool moves the real pointer and presses real keys. What a window shows is
+// compared pixel for pixel with the headless rendering of the same state.
+// Every wait is bounded.
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "support/HeadlessForm.hpp"
+#include "support/Pixels.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
+#include "velt/platform/Png.hpp"
 #include "velt/platform/PopupWindow.hpp"
 #include "velt/platform/sdl/SdlWindowSystem.hpp"
 
 namespace velt {
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(10);
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+using Names = std::vector<std::string>;
+
 constexpr int32_t kFormLeft = 40;
 constexpr int32_t kFormTop = 60;
 
-bool hasEnvironment(const char* name) {
-  const char* value = std::getenv(name);
-  return value && *value;
+bool run(const std::string& command) {
+  return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-// Runs xdotool with the arguments; true when it succeeded.
-bool xdotool(const std::string& arguments) {
-  return std::system(("xdotool " + arguments + " >/dev/null 2>&1").c_str()) == 0;
-}
-
-// Switches the X keyboard layout for a while (setxkbmap comes with Xvfb).
-class KeyboardLayout {
- public:
-  explicit KeyboardLayout(const std::string& layout) {
-    EXPECT_EQ(std::system(("setxkbmap " + layout).c_str()), 0) << "setxkbmap " << layout;
-  }
-  ~KeyboardLayout() { [[maybe_unused]] const int status = std::system("setxkbmap us"); }
-  KeyboardLayout(const KeyboardLayout&) = delete;
-  KeyboardLayout& operator=(const KeyboardLayout&) = delete;
-};
-
-// The title of the window holding the X keyboard focus.
-std::string focusedWindowName() {
-  std::string name;
-  if (FILE* pipe = popen("xdotool getwindowfocus getwindowname 2>/dev/null", "r")) {
+// The first line the command prints.
+std::string firstLine(const std::string& command) {
+  std::string text;
+  if (FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r")) {
     char buffer[256];
     while (std::fgets(buffer, sizeof buffer, pipe))
-      name += buffer;
+      text += buffer;
     pclose(pipe);
   }
-  while (!name.empty() && name.back() == '\n')
-    name.pop_back();
-  return name;
+  return text.substr(0, text.find('\n'));
+}
+
+// Runs step until the condition holds, for ten seconds at most.
+bool waitUntil(const std::function<bool()>& condition, const std::function<void()>& step = {}) {
+  const auto deadline = Clock::now() + std::chrono::seconds(10);
+  while (Clock::now() < deadline) {
+    if (step) step();
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return false;
 }
 
 ::testing::AssertionResult samePixels(const Canvas& shown, const Canvas& expected) {
@@ -71,170 +73,137 @@ std::string focusedWindowName() {
     return ::testing::AssertionFailure()
            << "window " << shown.ScaleWidth() << "x" << shown.ScaleHeight() << ", expected "
            << expected.ScaleWidth() << "x" << expected.ScaleHeight();
-  int32_t differing = 0;
-  std::string first;
-  for (int32_t y = 0; y < shown.ScaleHeight(); ++y)
-    for (int32_t x = 0; x < shown.ScaleWidth(); ++x)
-      if (shown.PixelRGB(x, y) != expected.PixelRGB(x, y) && differing++ == 0)
-        first = "(" + std::to_string(x) + "," + std::to_string(y) + ")";
-  if (differing == 0) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << differing << " pixels differ, the first at " << first;
+  const test::InkBox box = test::DifferenceBox(shown, expected);
+  if (box.Empty()) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "pixels differ from (" << box.left << "," << box.top
+                                       << ") to (" << box.right << "," << box.bottom << ")";
 }
 
-// Consecutive repeats of a name count once: the pointer may report a move twice.
-std::vector<std::string> collapsed(const std::vector<std::string>& names) {
-  std::vector<std::string> result;
+// A saved snapshot, opaque, as a canvas.
+Canvas readPng(const fs::path& path) {
+  const auto picture = Png::Read(path.string());
+  Canvas canvas(picture->Width(), picture->Height());
+  canvas.DrawPicture(*picture, 0, 0);
+  return canvas;
+}
+
+// Each run of repeated names counted once: the pointer may report a move twice.
+Names collapsed(const Names& names) {
+  Names result;
   for (const std::string& name : names)
     if (result.empty() || result.back() != name) result.push_back(name);
   return result;
 }
 
-class SdlGuiTest : public ::testing::Test {
+class GuiTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(hasEnvironment("DISPLAY"))
+    const char* display = std::getenv("DISPLAY");
+    ASSERT_TRUE(display && *display)
         << "no X display: run this program under xvfb-run (CTest does so when xvfb-run is "
            "installed) or with DISPLAY set";
-    ASSERT_TRUE(xdotool("version")) << "xdotool is missing (Debian package xdotool)";
+    ASSERT_TRUE(run("xdotool version")) << "xdotool is missing (Debian package xdotool)";
+  }
+};
+
+class SdlGuiTest : public GuiTest {
+ protected:
+  void SetUp() override {
+    GuiTest::SetUp();
+    if (HasFatalFailure()) return;
     system = std::make_shared<SdlWindowSystem>();
     form = std::make_unique<Form>(system, "velt gui test", 240, 120);
     form->Font(test::PinnedFont());
     form->MoveWindow(kFormLeft, kFormTop);
-    client = system->ActiveForm();
+    form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
+    log = std::make_unique<test::EventLog>(*form->FindSite("veltButton1"));
+    pumpFor(50);
+    ASSERT_EQ(form->WindowRect().Left, kFormLeft) << "the desktop moved the window";
   }
   void TearDown() override {
+    log.reset();
     form.reset();
     system.reset();
   }
 
-  // Lets events run until the condition holds or the patience runs out.
   bool pumpUntil(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (std::chrono::steady_clock::now() < deadline) {
-      system->DoEvents();
-      if (condition()) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return false;
+    return waitUntil(condition, [this] { system->DoEvents(); });
   }
   void pumpFor(int milliseconds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    while (std::chrono::steady_clock::now() < end) {
-      system->DoEvents();
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    pumpUntil([&] { return Clock::now() >= end; });
   }
-  // Shows the form and waits until the desktop has it where it was put.
-  void showForm() {
-    system->DoEvents();
-    pumpFor(50);
-    ASSERT_EQ(form->WindowRect().Left, kFormLeft) << "the desktop moved the window";
+  bool lastEventIs(const std::string& name) {
+    return pumpUntil([&] { return !log->Lines().empty() && log->Names().back() == name; });
   }
-  bool pointerAt(int32_t x, int32_t y) {
-    return xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+  bool pointTo(int32_t x, int32_t y) {
+    return run("xdotool mousemove " + std::to_string(x) + " " + std::to_string(y));
   }
   Canvas shownForm() {
     system->Present();
-    return system->WindowImage(*client);
+    return system->WindowImage(*system->ActiveForm());
   }
 
   std::shared_ptr<SdlWindowSystem> system;
   std::unique_ptr<Form> form;
-  WindowSystem::FormClient* client = nullptr;
+  std::unique_ptr<test::EventLog> log;
 };
 
-// The same form on the headless window system, at screen (0, 0).
-struct HeadlessTwin {
-  HeadlessTwin()
-      : system(std::make_shared<HeadlessWindowSystem>()), form(system, "twin", 240, 120) {
-    form.Font(test::PinnedFont());
+TEST_F(SdlGuiTest, ARealClickReachesTheButtonWhichThenHasTheKeyboardUntilTab) {
+  auto twinSystem = std::make_shared<HeadlessWindowSystem>();
+  Form twin(twinSystem, "twin", 240, 120);
+  twin.Font(test::PinnedFont());
+  twin.Add<veltButton>("veltButton1", 20, 30, 100, 30);
+  for (Form* each : {form.get(), &twin}) {
+    each->Add<veltButton>("veltButton2", 130, 30, 100, 30);
+    each->FindSite("veltButton2")->SetFocus();
   }
-  std::shared_ptr<HeadlessWindowSystem> system;
-  Form form;
-};
+  EXPECT_TRUE(samePixels(shownForm(), twin.Image())) << "at rest";
 
-TEST_F(SdlGuiTest, AClickWithTheRealPointerRaisesTheButtonsEventsInOrder) {
-  form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  test::EventLog log(*form->FindSite("veltButton1"));
-  showForm();
-
-  ASSERT_TRUE(pointerAt(kFormLeft + 30, kFormTop + 45));
-  ASSERT_TRUE(pumpUntil([&] { return !log.Lines().empty(); })) << "no MouseMove arrived";
-  ASSERT_TRUE(xdotool("click 1"));
-  ASSERT_TRUE(pumpUntil([&] { return log.Names().back() == "MouseUp"; }))
-      << "the click did not arrive; events: " << log.Lines().size();
-
-  EXPECT_EQ(collapsed(log.Names()),
-            (std::vector<std::string>{"MouseMove", "MouseDown", "Click", "MouseUp"}));
-  const std::vector<std::string>& lines = log.Lines();
+  ASSERT_TRUE(pointTo(kFormLeft + 30, kFormTop + 45));
+  ASSERT_TRUE(lastEventIs("MouseMove")) << "no MouseMove arrived";
+  ASSERT_TRUE(run("xdotool click 1"));
+  ASSERT_TRUE(lastEventIs("MouseUp")) << "the click did not arrive";
+  EXPECT_EQ(collapsed(log->Names()), (Names{"MouseMove", "MouseDown", "Click", "MouseUp"}));
+  const Names& lines = log->Lines();
   EXPECT_EQ(lines.front(), "MouseMove(i0, i0, f10, f15)");
   EXPECT_NE(std::find(lines.begin(), lines.end(), "MouseDown(i1, i0, f10, f15)"), lines.end());
   EXPECT_EQ(lines.back(), "MouseUp(i1, i0, f10, f15)");
-}
-
-TEST_F(SdlGuiTest, TheWindowShowsWhatTheHeadlessFormRendersBeforeAndAfterAClick) {
-  form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  HeadlessTwin twin;
-  twin.form.Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  showForm();
-  EXPECT_TRUE(samePixels(shownForm(), twin.form.Image())) << "at rest";
-
-  test::EventLog log(*form->FindSite("veltButton1"));
-  ASSERT_TRUE(pointerAt(kFormLeft + 30, kFormTop + 45));
-  ASSERT_TRUE(xdotool("click 1"));
-  ASSERT_TRUE(pumpUntil([&] { return !log.Lines().empty() && log.Names().back() == "MouseUp"; }));
   pumpFor(50);  // the hover timer ticks with the pointer still on the button
+  twinSystem->PostMouseMove(30, 45);
+  twinSystem->PostMouseDown(1, 30, 45);
+  twinSystem->PostMouseUp(1, 30, 45);
+  twinSystem->RunUntilIdle();
+  twinSystem->AdvanceClock(50);
+  EXPECT_TRUE(samePixels(shownForm(), twin.Image())) << "hovered and focused";
 
-  twin.system->PostMouseMove(30, 45);
-  twin.system->PostMouseDown(1, 30, 45);
-  twin.system->PostMouseUp(1, 30, 45);
-  twin.system->RunUntilIdle();
-  twin.system->AdvanceClock(50);
-  EXPECT_TRUE(samePixels(shownForm(), twin.form.Image())) << "hovered and focused";
-}
-
-TEST_F(SdlGuiTest, RealKeysReachTheFocusedButtonAndTabMovesOn) {
-  form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  form->Add<veltButton>("veltButton2", 130, 30, 100, 30);
-  test::EventLog log(*form->FindSite("veltButton1"));
-  showForm();
-  form->FindSite("veltButton1")->SetFocus();
-
-  ASSERT_TRUE(xdotool("key a"));
-  ASSERT_TRUE(pumpUntil([&] { return !log.Lines().empty() && log.Names().back() == "KeyUp"; }))
-      << "the key did not arrive";
-  EXPECT_EQ(log.Lines(),
-            (std::vector<std::string>{"KeyDown(i65, i0)", "KeyPress(i97)", "KeyUp(i65, i0)"}));
-
-  {
-    // On a German keyboard "ä" has a key of its own, where the US apostrophe is.
-    KeyboardLayout german("de");
-    pumpFor(50);  // SDL takes in the new layout
-    log.Clear();
-    ASSERT_TRUE(xdotool("key adiaeresis"));
-    ASSERT_TRUE(pumpUntil([&] { return !log.Lines().empty() && log.Names().back() == "KeyUp"; }));
-    EXPECT_EQ(log.Lines(),
-              (std::vector<std::string>{"KeyDown(i222, i0)", "KeyPress(i228)", "KeyUp(i222, i0)"}));
-  }
-  pumpFor(50);
-
-  ASSERT_TRUE(xdotool("key Tab"));
-  ASSERT_TRUE(pumpUntil([&] { return form->FocusedSite() == form->FindSite("veltButton2"); }))
-      << "Tab did not move the focus";
+  log->Clear();
+  ASSERT_TRUE(run("xdotool key a"));
+  ASSERT_TRUE(lastEventIs("KeyUp")) << "the key did not reach the button clicked";
+  EXPECT_EQ(log->Lines(), (Names{"KeyDown(i65, i0)", "KeyPress(i97)", "KeyUp(i65, i0)"}));
+  // On a German keyboard "ä" has a key of its own, where the US apostrophe is.
+  ASSERT_TRUE(run("setxkbmap de"));
+  pumpFor(50);  // SDL takes in the new layout
+  log->Clear();
+  ASSERT_TRUE(run("xdotool key adiaeresis"));
+  ASSERT_TRUE(lastEventIs("KeyUp"));
+  EXPECT_EQ(log->Lines(), (Names{"KeyDown(i222, i0)", "KeyPress(i228)", "KeyUp(i222, i0)"}));
+  ASSERT_TRUE(run("setxkbmap us"));
+  ASSERT_TRUE(run("xdotool key Tab"));
+  EXPECT_TRUE(pumpUntil([&] { return form->FocusedSite() == form->FindSite("veltButton2"); }))
+      << "Tab did not move the focus on";
 }
 
 TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheForm) {
-  form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  showForm();
   form->FindSite("veltButton1")->SetFocus();
   std::shared_ptr<PopupWindow> popup = system->CreatePopup("Menu");
-  std::vector<std::string> log;
+  Names events;
   auto down = popup->MouseDown.connect([&](int16_t button, int16_t, float x, float y) {
-    log.push_back("MouseDown " + std::to_string(button) + " " + std::to_string(int(x)) + " " +
-                  std::to_string(int(y)));
+    events.push_back("MouseDown " + std::to_string(button) + " " + std::to_string(int(x)) + " " +
+                     std::to_string(int(y)));
   });
-  auto click = popup->Click.connect([&] { log.push_back("Click"); });
-  auto lost = popup->LostFocus.connect([&] { log.push_back("LostFocus"); });
+  auto click = popup->Click.connect([&] { events.push_back("Click"); });
+  auto lost = popup->LostFocus.connect([&] { events.push_back("LostFocus"); });
   popup->Move(400, 300, 80, 60);
   popup->Surface().BackColor(0x00C0FF);
   popup->Topmost(true);
@@ -243,25 +212,81 @@ TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheFo
   popup->Show(true);
   pumpFor(50);
   EXPECT_TRUE(samePixels(system->WindowImage(*popup), popup->Surface()));
-  EXPECT_EQ(focusedWindowName(), "velt gui test") << "the pop-up took the keyboard";
+  EXPECT_EQ(firstLine("xdotool getwindowfocus getwindowname"), "velt gui test")
+      << "the pop-up took the keyboard";
 
-  ASSERT_TRUE(pointerAt(420, 317));
-  ASSERT_TRUE(xdotool("click 1"));
-  ASSERT_TRUE(pumpUntil([&] { return !log.empty() && log.back() == "Click"; }))
+  ASSERT_TRUE(pointTo(420, 317) && run("xdotool click 1"));
+  ASSERT_TRUE(pumpUntil([&] { return !events.empty() && events.back() == "Click"; }))
       << "the click on the pop-up did not arrive";
-  EXPECT_EQ(log, (std::vector<std::string>{"MouseDown 1 20 17", "Click"}));
-
-  ASSERT_TRUE(pointerAt(kFormLeft + 5, kFormTop + 5));
-  ASSERT_TRUE(xdotool("click 1"));
-  ASSERT_TRUE(pumpUntil([&] { return log.back() == "LostFocus"; }));
+  EXPECT_EQ(events, (Names{"MouseDown 1 20 17", "Click"}));
+  ASSERT_TRUE(pointTo(kFormLeft + 5, kFormTop + 5) && run("xdotool click 1"));
+  ASSERT_TRUE(pumpUntil([&] { return events.back() == "LostFocus"; }));
   popup->Show(false);
   pumpFor(50);
-
-  // The keyboard is still the form's.
-  test::EventLog keys(*form->FindSite("veltButton1"));
-  ASSERT_TRUE(xdotool("key b"));
-  EXPECT_TRUE(pumpUntil([&] { return !keys.Lines().empty(); }))
+  log->Clear();
+  ASSERT_TRUE(run("xdotool key b"));
+  EXPECT_TRUE(pumpUntil([&] { return !log->Lines().empty(); }))
       << "the form lost the keyboard to the pop-up";
+}
+
+// The built tool's printed lines of one control, each run of repeated event names once.
+Names eventNames(const fs::path& printed, const std::string& control) {
+  Names names;
+  std::ifstream lines(printed);
+  for (std::string line; std::getline(lines, line);)
+    if (line.rfind(control + ".", 0) == 0)
+      names.push_back(line.substr(control.size() + 1, line.find(' ') - control.size() - 1));
+  return collapsed(names);
+}
+
+std::string contents(const fs::path& path) {
+  std::ifstream in(path);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+TEST_F(GuiTest, VeltRunShowsAnExampleWhoseEventsItPrintsAndWhosePictureMatchesHeadless) {
+  const fs::path folder = fs::temp_directory_path() / ("velt-run-gui-" + std::to_string(getpid()));
+  fs::create_directories(folder);
+  struct RemovedAtTheEnd {
+    fs::path path;
+    ~RemovedAtTheEnd() { fs::remove_all(path); }
+  } removed{folder};
+  const fs::path printed = folder / "printed.txt", shown = folder / "window.png";
+  const std::string tool =
+      std::string(VELT_TOOL_PATH) + " run " + VELT_EXAMPLES_DIR + "/button.json --out ";
+  // In the background; the shell reports how it ended.
+  ASSERT_EQ(std::system(("(" + tool + shown.string() + " --events; echo \"ended: $?\") >" +
+                         printed.string() + " 2>&1 &")
+                            .c_str()),
+            0);
+  std::string window;
+  ASSERT_TRUE(waitUntil([&] {
+    window = firstLine("xdotool search --onlyvisible --name '^velt button example$'");
+    return !window.empty();
+  })) << "the window did not appear";
+  const std::string velt = firstLine("xdotool getwindowpid " + window);
+  ASSERT_FALSE(velt.empty()) << "the window names no process";
+  auto printedHas = [&](const std::string& text) {
+    return waitUntil([&] { return contents(printed).find(text) != std::string::npos; });
+  };
+
+  // The button of the example is at (70, 35), 100 x 30.
+  ASSERT_TRUE(run("xdotool mousemove --window " + window + " 100 50"));
+  const bool clicked =
+      printedHas("okButton.MouseMove") && run("xdotool click 1") && printedHas("okButton.MouseUp");
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));  // hover ticks with the pointer still
+  kill(std::stoi(velt), SIGTERM);  // as a desktop asks a program to quit
+  ASSERT_TRUE(clicked) << "the click did not arrive:\n" << contents(printed);
+  ASSERT_TRUE(printedHas("ended: 0")) << "velt run did not close cleanly:\n" << contents(printed);
+  EXPECT_EQ(eventNames(printed, "okButton"), (Names{"MouseMove", "MouseDown", "Click", "MouseUp"}))
+      << contents(printed);
+  EXPECT_NE(contents(printed).find("okButton.MouseDown 1 0 30 15"), std::string::npos);
+
+  // The same input, headless.
+  std::ofstream(folder / "click.txt") << "move 100 50\nclick 100 50\nwait 50\n";
+  ASSERT_TRUE(run(tool + (folder / "headless.png").string() + " --headless --input " +
+                  (folder / "click.txt").string()));
+  EXPECT_TRUE(samePixels(readPng(shown), readPng(folder / "headless.png")));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Canvas.hpp"
 #include "velt/platform/TextEngine.hpp"
 
@@ -45,31 +46,24 @@ TEST(CanvasText, PrintBlendsForeColorOverTheOldPixelsOnly) {
   std::vector<uint32_t> expected = patternImage(kW, kH);
   TextEngine::Instance().DrawLine(expected.data(), kW, kH, 6, 9, 0xE01030, *canvas.Font(),
                                   "Transparent");
-  int32_t inked = 0, exact = 0;
+  int32_t inked = 0;
   for (int32_t y = 0; y < kH; ++y)
     for (int32_t x = 0; x < kW; ++x) {
       ASSERT_EQ(canvas.PixelRGB(x, y), expected[y * kW + x]) << x << "," << y;
       inked += canvas.PixelRGB(x, y) != patternAt(x, y);
-      exact += canvas.PixelRGB(x, y) == 0xE01030;
     }
-  EXPECT_GT(inked, 60);
-  EXPECT_GT(exact, 10);  // fully covered pixels take ForeColor itself
-  // Transparent: most of the line's box still shows the old pixels.
-  const int32_t boxW = canvas.TextWidth("Transparent"), boxH = canvas.TextHeight("Transparent");
-  int32_t kept = 0;
-  for (int32_t y = 9; y < 9 + boxH; ++y)
-    for (int32_t x = 6; x < 6 + boxW; ++x)
-      kept += canvas.PixelRGB(x, y) == patternAt(x, y);
-  EXPECT_GT(kept, boxW * boxH / 2);
-  EXPECT_LT(kept, boxW * boxH - inked / 2);
+  EXPECT_GT(inked, 60);  // the blending itself is the text engine's, tested there
 }
 
 TEST(CanvasText, PrintedInkStaysInsideTheMeasuredBox) {
   Canvas canvas(200, 80);
   canvas.Font(std::make_shared<Font>("DejaVu Sans", 11));
   const std::string text = "First line\r\n\nThird, longer line";
-  const int32_t line = canvas.TextHeight("I");
+  const int32_t line = TextEngine::Instance().Metrics(*canvas.Font()).lineHeight;
+  EXPECT_EQ(canvas.TextHeight(""), line);
+  EXPECT_EQ(canvas.TextHeight("a\n"), 2 * line);  // a final line break starts another line
   EXPECT_EQ(canvas.TextHeight(text), 3 * line);
+  EXPECT_EQ(canvas.TextWidth("WW\r\n"), canvas.TextWidth("WW"));
   EXPECT_EQ(canvas.TextWidth(text), canvas.TextWidth("Third, longer line"));
   EXPECT_GT(canvas.TextWidth(text), canvas.TextWidth("First line"));
 
@@ -135,6 +129,7 @@ TEST(CanvasText, SymbolFontThroughASharedFontObject) {
   }
   // The scroll bar's arrow at the ambient size: 7 pixels wide, 7 rows high.
   EXPECT_EQ(rows, (std::vector<int32_t>{7, 5, 5, 3, 3, 1, 1}));
+  test::errorOf(errObjectNotSet, [&] { canvas.Font(nullptr); });
 }
 
 }  // namespace

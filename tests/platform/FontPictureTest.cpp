@@ -1,24 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <set>
 
-#include "velt/platform/Error.hpp"
+#include "support/ExpectError.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/Picture.hpp"
 
 namespace velt {
 namespace {
 
-int32_t errorNumberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
+using test::errorOf;
 
 TEST(FontTest, SharedByReferenceWithRevisionOnRealChanges) {
   auto font = Font::Ambient();
@@ -61,10 +53,10 @@ TEST(FontTest, BoldFollowsWeight) {
 TEST(FontTest, OutOfRangeSizesAndWeightsAreError380) {
   Font font;
   for (float size : {0.0f, -1.0f, 2048.5f, std::nanf("")})
-    EXPECT_EQ(errorNumberOf([&] { font.Size(size); }), errInvalidPropertyValue) << size;
-  EXPECT_EQ(errorNumberOf([] { Font("x", 0.0f); }), errInvalidPropertyValue);
-  EXPECT_EQ(errorNumberOf([&] { font.Weight(1001); }), errInvalidPropertyValue);
-  EXPECT_EQ(errorNumberOf([&] { font.Weight(-1); }), errInvalidPropertyValue);
+    errorOf(errInvalidPropertyValue, [&] { font.Size(size); });
+  errorOf(errInvalidPropertyValue, [] { Font("x", 0.0f); });
+  errorOf(errInvalidPropertyValue, [&] { font.Weight(1001); });
+  errorOf(errInvalidPropertyValue, [&] { font.Weight(-1); });
   EXPECT_FLOAT_EQ(font.Size(), 8.25f);
   EXPECT_EQ(font.Weight(), 400);
   font.Size(2048.0f);
@@ -96,9 +88,8 @@ TEST(PictureTest, PixelsOutsideAreIgnoredAndBadSizesRefused) {
   EXPECT_EQ(picture.Pixel(3, 0), 0u);
   for (int32_t i = 0; i < 6; ++i)
     EXPECT_EQ(picture.Pixels()[i], 0u);
-  EXPECT_EQ(errorNumberOf([] { Picture(-1, 2); }), errInvalidProcedureCall);
-  EXPECT_EQ(errorNumberOf([] { Picture(2, 2, std::vector<uint32_t>(3)); }),
-            errInvalidProcedureCall);
+  errorOf(errInvalidProcedureCall, [] { Picture(-1, 2); });
+  errorOf(errInvalidProcedureCall, [] { Picture(2, 2, std::vector<uint32_t>(3)); });
 }
 
 }  // namespace

@@ -24,10 +24,11 @@ std::shared_ptr<Picture> filled(int32_t width, int32_t height, uint32_t argb) {
 
 TEST(ImageListTest, SizeComesFromTheFirstImageAndIsThenFixed) {
   ImageList list;
+  errorOf(errInvalidPropertyValue, [&] { list.ListImages().Add(filled(2000, 4, 0)); });
+  errorOf(errInvalidPicture, [&] { list.ListImages().Add(std::make_shared<Picture>(0, 0)); });
+  EXPECT_EQ(list.ListImages().Count(), 0);
   EXPECT_EQ(list.ImageWidth(), 0);
   EXPECT_EQ(list.ImageHeight(), 0);
-  EXPECT_EQ(list.MaskColor(), 0xC0C0C0u);
-  EXPECT_TRUE(list.UseMaskColor());
   list.ListImages().Add(filled(16, 12, 0xFF000000));
   EXPECT_EQ(list.ImageWidth(), 16);
   EXPECT_EQ(list.ImageHeight(), 12);
@@ -40,14 +41,6 @@ TEST(ImageListTest, SizeComesFromTheFirstImageAndIsThenFixed) {
   errorOf(errInvalidPropertyValue, [&] { list.ImageWidth(0); });
   errorOf(errInvalidPropertyValue, [&] { list.ImageHeight(1025); });
   EXPECT_EQ(list.ImageWidth(), 32);
-}
-
-TEST(ImageListTest, FirstImageOfImpossibleSizeIsRefused) {
-  ImageList list;
-  errorOf(errInvalidPropertyValue, [&] { list.ListImages().Add(filled(2000, 4, 0)); });
-  errorOf(errInvalidPicture, [&] { list.ListImages().Add(std::make_shared<Picture>(0, 0)); });
-  EXPECT_EQ(list.ListImages().Count(), 0);
-  EXPECT_EQ(list.ImageWidth(), 0);
 }
 
 TEST(ImageListTest, ItemsByPositionAndKey) {
@@ -73,9 +66,9 @@ TEST(ImageListTest, ItemsByPositionAndKey) {
   EXPECT_EQ(images.Count(), 3);
 }
 
-TEST(ImageListTest, RemoveRenumbersAndDetaches) {
-  ImageList list;
-  ListImages& images = list.ListImages();
+TEST(ImageListTest, RemovedImagesAndThoseOutlivingTheirListAreDetached) {
+  auto list = std::make_shared<ImageList>();
+  ListImages& images = list->ListImages();
   auto first = images.Add(filled(2, 2, 0xFF111111), "a");
   auto second = images.Add(filled(2, 2, 0xFF222222), "b");
   auto third = images.Add(filled(2, 2, 0xFF333333), "c");
@@ -89,16 +82,10 @@ TEST(ImageListTest, RemoveRenumbersAndDetaches) {
   EXPECT_EQ(images.Count(), 1);
   errorOf(errSubscriptOutOfRange, [&] { images.Remove(2); });
   images.Add(filled(2, 2, 0), "a");  // a removed key is free again
-}
-
-TEST(ImageListTest, ImagesOutliveTheirList) {
-  std::shared_ptr<ListImage> kept;
-  {
-    auto list = std::make_shared<ImageList>();
-    kept = list->ListImages().Add(filled(2, 2, 0xFF123456));
-  }
-  errorOf(errObjectNotSet, [&] { kept->ExtractIcon(); });
-  EXPECT_EQ(kept->Picture()->Pixel(0, 0), 0xFF123456u);
+  second->ExtractIcon();
+  list.reset();
+  errorOf(errObjectNotSet, [&] { second->ExtractIcon(); });
+  EXPECT_EQ(second->Picture()->Pixel(0, 0), 0xFF222222u);
 }
 
 TEST(ImageListTest, ExtractIconMasksTheMaskColour) {

@@ -85,7 +85,7 @@ class PngTest : public ::testing::Test {
   fs::path dir_;
 };
 
-TEST_F(PngTest, RgbaPictureRoundTrips) {
+TEST_F(PngTest, RgbaPicturesRoundTripAndRgbSnapshotsAreOpaque) {
   Picture picture(3, 2);
   const std::vector<uint32_t> pixels{0xFF102030, 0x80FF0000, 0x00000000,
                                      0x7F00FF00, 0xFF0000FF, 0x01ABCDEF};
@@ -97,15 +97,13 @@ TEST_F(PngTest, RgbaPictureRoundTrips) {
   ASSERT_EQ(back->Height(), 2);
   for (int32_t i = 0; i < 6; ++i)
     EXPECT_EQ(back->Pixel(i % 3, i / 3), pixels[static_cast<size_t>(i)]) << i;
-}
 
-TEST_F(PngTest, RgbSnapshotIsOpaque) {
-  const uint32_t pixels[] = {0x112233, 0xFFFFFF, 0x000000, 0xFF8000};
-  Png::WriteRGB(path("rgb.png"), pixels, 2, 2);
-  const auto back = Png::Read(path("rgb.png"));
+  const uint32_t rgb[] = {0x112233, 0xFFFFFF, 0x000000, 0xFF8000};
+  Png::WriteRGB(path("rgb.png"), rgb, 2, 2);
+  const auto opaque = Png::Read(path("rgb.png"));
   for (int32_t i = 0; i < 4; ++i)
-    EXPECT_EQ(back->Pixel(i % 2, i / 2), 0xFF000000u | pixels[i]);
-  errorOf(errInvalidProcedureCall, [&] { Png::WriteRGB(path("e.png"), pixels, 0, 2); });
+    EXPECT_EQ(opaque->Pixel(i % 2, i / 2), 0xFF000000u | rgb[i]);
+  errorOf(errInvalidProcedureCall, [&] { Png::WriteRGB(path("e.png"), rgb, 0, 2); });
   errorOf(errInvalidProcedureCall, [&] { Png::Write(path("e.png"), Picture(0, 0)); });
 }
 

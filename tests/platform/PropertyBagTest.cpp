@@ -110,15 +110,6 @@ TEST(PropertyBagTest, EveryTypeSurvivesTheJsonRoundTrip) {
   EXPECT_EQ(back.ToJson(), document);
 }
 
-TEST(PropertyBagTest, JsonTextKeepsTheFileOrder) {
-  const PropertyBag bag = PropertyBag::FromJsonText(R"({"Zeta": 1, "Alpha": null, "Mid": "x"})");
-  EXPECT_EQ(bag.Keys(), (std::vector<std::string>{"Zeta", "Alpha", "Mid"}));
-  EXPECT_TRUE(bag.ReadProperty("Alpha").IsEmpty());
-  const std::string text = bag.ToJsonText();
-  EXPECT_LT(text.find("Zeta"), text.find("Alpha"));
-  EXPECT_LT(text.find("Alpha"), text.find("Mid"));
-}
-
 TEST(PropertyBagTest, DamagedValueFailsOnlyItsOwnKey) {
   const json document = json::parse(R"({
     "List": [1, 2],
@@ -139,7 +130,13 @@ TEST(PropertyBagTest, DamagedValueFailsOnlyItsOwnKey) {
   EXPECT_EQ(bag.ToJson(), document);
 }
 
-TEST(PropertyBagTest, TopLevelMustBeAnObjectAndParseErrorsGivePosition) {
+TEST(PropertyBagTest, JsonTextKeepsTheFileOrderMustBeAnObjectAndGivesErrorPositions) {
+  const PropertyBag bag = PropertyBag::FromJsonText(R"({"Zeta": 1, "Alpha": null, "Mid": "x"})");
+  EXPECT_EQ(bag.Keys(), (std::vector<std::string>{"Zeta", "Alpha", "Mid"}));
+  EXPECT_TRUE(bag.ReadProperty("Alpha").IsEmpty());
+  const std::string text = bag.ToJsonText();
+  EXPECT_LT(text.find("Zeta"), text.find("Alpha"));
+  EXPECT_LT(text.find("Alpha"), text.find("Mid"));
   EXPECT_TRUE(
       mentions(errorOf(errTypeMismatch, [] { PropertyBag::FromJsonText("[1]"); }), "array"));
   errorOf(errTypeMismatch, [] { PropertyBag::FromJson(json(3)); });
@@ -175,7 +172,7 @@ TEST(PropertyBagTest, ObjectReferencesGoThroughResolverAndNamer) {
           [] { PropertyBag::FromJsonText(R"({"R": {"Ref": 3}})").ReadProperty("R"); });
 }
 
-TEST(PropertyBagTest, FontIsOneSharedObjectPerKey) {
+TEST(PropertyBagTest, AFontReadIsOneSharedObjectPerKeyAFontWrittenASnapshot) {
   const PropertyBag bag =
       PropertyBag::FromJsonText(R"({"Font": {"Font": {"Name": "Serif", "Size": 12, "Extra": 1}}})");
   const std::string written = bag.ToJsonText();
@@ -184,17 +181,15 @@ TEST(PropertyBagTest, FontIsOneSharedObjectPerKey) {
   EXPECT_EQ(bag.ToJsonText(), written);  // an unchanged font is written back as it came
   first->Bold(true);
   EXPECT_EQ(bag.ToJson()["Font"]["Font"]["Bold"], json(true));
-}
 
-TEST(PropertyBagTest, WrittenFontIsASnapshot) {
-  PropertyBag bag;
+  PropertyBag other;
   auto font = std::make_shared<Font>("Serif", 10.0f);
-  bag.WriteProperty("Font", font);
+  other.WriteProperty("Font", font);
   font->Size(20.0f);
-  EXPECT_EQ(bag.ReadProperty("Font").ToFont()->Size(), 10.0f);
-  EXPECT_EQ(bag.ToJson()["Font"]["Font"]["Size"], json(10.0));
-  bag.WriteProperty("Font", font, font);  // the default itself: removed
-  EXPECT_FALSE(bag.Contains("Font"));
+  EXPECT_EQ(other.ReadProperty("Font").ToFont()->Size(), 10.0f);
+  EXPECT_EQ(other.ToJson()["Font"]["Font"]["Size"], json(10.0));
+  other.WriteProperty("Font", font, font);  // the default itself: removed
+  EXPECT_FALSE(other.Contains("Font"));
 }
 
 }  // namespace

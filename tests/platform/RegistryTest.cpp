@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "support/ExpectError.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/LinuxRegistry.hpp"
 #include "velt/platform/MemoryRegistry.hpp"
@@ -95,12 +96,7 @@ TEST(MemoryRegistryTest, FailuresAndHandleAccounting) {
   EXPECT_EQ(registry.OpenCount(), 2);
   EXPECT_EQ(registry.CloseCount(), 1);
   EXPECT_EQ(registry.OpenHandleCount(), 1);
-  try {
-    registry.SetValue(0x1234, "K", "V", "x");
-    FAIL() << "no error for a root that is none";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), errInvalidProcedureCall);
-  }
+  test::errorOf(errInvalidProcedureCall, [&] { registry.SetValue(0x1234, "K", "V", "x"); });
 }
 
 TEST(RegistryViewTest, TheDefaultViewComesFromTheEnvironment) {
@@ -201,13 +197,12 @@ TEST_F(LinuxRegistryTest, UserDirsComeFromTheConfigFolderGiven) {
 
 TEST_F(LinuxRegistryTest, DisplayNamesOfComputerAndNetwork) {
   LinuxRegistry registry(where_);
-  const char* key = LinuxRegistry::kDisplayNamesKey;
-  EXPECT_EQ(
-      readValue(registry, HKEY_CURRENT_USER, key, "@C:\\WINDOWS\\system32\\SHELL32.dll,-9216"),
-      "Computer");
-  EXPECT_EQ(
-      readValue(registry, HKEY_CURRENT_USER, key, "@C:\\WINDOWS\\system32\\SHELL32.dll,-9217"),
-      "Network");
+  auto displayName = [&](const std::string& resource) {
+    return readValue(registry, HKEY_CURRENT_USER, LinuxRegistry::kDisplayNamesKey,
+                     "@C:\\WINDOWS\\system32\\SHELL32.dll," + resource);
+  };
+  EXPECT_EQ(displayName("-9216"), "Computer");
+  EXPECT_EQ(displayName("-9217"), "Network");
 }
 
 TEST_F(LinuxRegistryTest, ExtensionsMapToMimeTypesByWeightCaseAndFolder) {
@@ -253,10 +248,10 @@ TEST_F(LinuxRegistryTest, DefaultIconsNameTheTypesIcon) {
 }
 
 TEST_F(LinuxRegistryTest, RefusesAHomeThatIsNotAbsolute) {
-  where_.home = "home/someone";
-  EXPECT_THROW(LinuxRegistry registry(where_), Error);
-  where_.home = "";
-  EXPECT_THROW(LinuxRegistry registry(where_), Error);
+  for (const char* home : {"home/someone", ""}) {
+    where_.home = home;
+    EXPECT_THROW(LinuxRegistry registry(where_), Error) << home;
+  }
 }
 
 }  // namespace

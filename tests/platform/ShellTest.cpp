@@ -147,7 +147,7 @@ bool eventually(Condition condition) {
   return condition();
 }
 
-TEST_F(ShellTest, ARealStartRunsTheProgramInTheFolderAndCollectsIt) {
+TEST_F(ShellTest, ARealStartRunsTheProgramInTheFolderAndCollectsItAMissingOneIsNoAssociation) {
   Shell::Launcher(nullptr);
   // cp stands in for the opener: it copies the file to the name given as the
   // parameters, which shows that both reached it intact and in the folder.
@@ -163,10 +163,6 @@ TEST_F(ShellTest, ARealStartRunsTheProgramInTheFolderAndCollectsIt) {
     return text == "content";
   }));
   EXPECT_TRUE(eventually([] { return zombieChildren() == 0; }));
-}
-
-TEST_F(ShellTest, AMissingOpenerMeansNoAssociation) {
-  Shell::Launcher(nullptr);
   Shell::Program("velt-no-such-opener-program");
   EXPECT_EQ(Shell::Execute("open", Create("a.txt"), "", "", 1), Shell::kNoAssociation);
 }

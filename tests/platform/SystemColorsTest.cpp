@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velt/platform/Error.hpp"
+#include "support/ExpectError.hpp"
 
 namespace velt {
 namespace {
@@ -25,14 +25,8 @@ TEST(SystemColorsTest, SetAndReset) {
   SystemColors::Set(COLOR_BTNFACE, 0x00F0F0F0);
   EXPECT_EQ(SystemColors::Resolve(kSystemColorFlag | COLOR_BTNFACE), 0xF0F0F0u);
   EXPECT_EQ(SystemColors::Get(COLOR_BTNSHADOW), RGB(128, 128, 128));
-  for (int32_t index : {-1, 31}) {
-    try {
-      SystemColors::Set(index, 0);
-      ADD_FAILURE() << index;
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), errInvalidProcedureCall);
-    }
-  }
+  for (int32_t index : {-1, 31})
+    test::errorOf(errInvalidProcedureCall, [&] { SystemColors::Set(index, 0); });
   SystemColors::Reset();
   EXPECT_EQ(SystemColors::Get(COLOR_BTNFACE), 0xC0C0C0u);
   EXPECT_EQ(SystemColors::ClassicDefaults()[COLOR_3DLIGHT], 0xC0C0C0u);

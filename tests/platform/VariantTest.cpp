@@ -13,10 +13,9 @@
 namespace velt {
 namespace {
 
-// Runs f, which must raise error `number`; returns the error's description.
 using test::errorOf;
 
-TEST(VariantTest, ConstructorsPickTheIntendedType) {
+TEST(VariantTest, ConstructorsPickTheIntendedTypeAndEmptyReadsAsZeroBlankFalseAndNothing) {
   EXPECT_EQ(Variant().Type(), VariantType::Empty);
   EXPECT_EQ(Variant(true).Type(), VariantType::Boolean);
   EXPECT_EQ(Variant(int16_t{5}).Type(), VariantType::Integer);
@@ -32,9 +31,7 @@ TEST(VariantTest, ConstructorsPickTheIntendedType) {
   EXPECT_EQ(Variant(nullptr).TypeName(), "Nothing");
   EXPECT_EQ(Variant(5).TypeName(), "Long");
   EXPECT_EQ(Variant("").TypeName(), "String");
-}
 
-TEST(VariantTest, EmptyReadsAsZeroBlankFalseAndNothing) {
   const Variant empty;
   EXPECT_TRUE(empty.IsEmpty());
   EXPECT_EQ(empty.ToLong(), 0);
@@ -133,7 +130,7 @@ TEST(VariantTest, ColorKeepsItsBitPatternAsLong) {
   EXPECT_EQ(Variant::Color(0xC0C0C0).ToDouble(), 12632256.0);
 }
 
-TEST(VariantTest, FontsAndObjectsConvertOnlyToThemselves) {
+TEST(VariantTest, FontsAndObjectsConvertOnlyToThemselvesChangeTypeByTheSameRules) {
   const auto font = Font::Ambient();
   const std::shared_ptr<Object> picture = std::make_shared<Picture>(1, 1);
   EXPECT_EQ(Variant(font).ToFont(), font);
@@ -149,9 +146,8 @@ TEST(VariantTest, FontsAndObjectsConvertOnlyToThemselves) {
   errorOf(errTypeMismatch, [] { Variant("").ToObject(); });
   EXPECT_NE(errorOf(errTypeMismatch, [&] { fromFont.ToColor(); }).find("Font to Color"),
             std::string::npos);
-}
 
-TEST(VariantTest, ChangeTypeConvertsToTheRequestedType) {
+  // ChangeType converts by the same rules.
   const Variant value = Variant("12").ChangeType(VariantType::Long);
   EXPECT_EQ(value.Type(), VariantType::Long);
   EXPECT_EQ(value.ToLong(), 12);

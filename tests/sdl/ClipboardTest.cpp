@@ -1,65 +1,70 @@
-// The clipboard interface and its in-memory implementation, which the
-// headless window system hands out.
+// The clipboard of both window systems: the headless one keeps its text in
+// memory, the SDL one (on SDL's offscreen driver here) is the desktop's.
 
+#include <SDL.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 
-#include "velt/platform/Error.hpp"
+#include "support/ExpectError.hpp"
+#include "velt/platform/Clipboard.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
-#include "velt/platform/MemoryClipboard.hpp"
+#include "velt/platform/sdl/SdlWindowSystem.hpp"
 
 namespace velt {
 namespace {
 
-void expectRefused(Clipboard& clipboard, const std::string& text, const std::string& byte) {
-  try {
-    clipboard.SetText(text);
-    FAIL() << "took malformed text";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), errInvalidProcedureCall);
-    EXPECT_NE(error.Description().find("Clipboard.SetText"), std::string::npos) << error.what();
-    EXPECT_NE(error.Description().find("byte " + byte), std::string::npos) << error.what();
-  }
-}
+class ClipboardTest : public ::testing::TestWithParam<bool> {
+ protected:
+  std::shared_ptr<WindowSystem> system =
+      GetParam() ? std::shared_ptr<WindowSystem>(std::make_shared<SdlWindowSystem>("offscreen"))
+                 : std::make_shared<HeadlessWindowSystem>();
+  Clipboard& clipboard = system->Clipboard();
+};
 
-TEST(ClipboardTest, TextRoundTripsAndClears) {
-  MemoryClipboard clipboard;
-  EXPECT_FALSE(clipboard.HasText());
-  EXPECT_EQ(clipboard.GetText(), "");
-  clipboard.SetText(
+TEST_P(ClipboardTest, TextRoundTripsAndClears) {
+  const std::string text =
       "Gr\xC3\xBC\xC3\x9F"
-      "e \xF0\x9F\x98\x80");
+      "e \xF0\x9F\x98\x80";
+  clipboard.SetText(text);
   EXPECT_TRUE(clipboard.HasText());
-  EXPECT_EQ(clipboard.GetText(),
-            "Gr\xC3\xBC\xC3\x9F"
-            "e \xF0\x9F\x98\x80");
+  EXPECT_EQ(clipboard.GetText(), text);
   clipboard.Clear();
   EXPECT_FALSE(clipboard.HasText());
   EXPECT_EQ(clipboard.GetText(), "");
+  if (!GetParam()) return;
+  // The desktop's clipboard: what others copy is there, what we copy goes there.
+  SDL_SetClipboardText("from elsewhere");
+  EXPECT_EQ(clipboard.GetText(), "from elsewhere");
+  clipboard.SetText(text);
+  char* copied = SDL_GetClipboardText();
+  EXPECT_EQ(copied, text);
+  SDL_free(copied);
 }
 
-TEST(ClipboardTest, MalformedTextIsRefusedAndTheOldTextStays) {
-  MemoryClipboard clipboard;
+TEST_P(ClipboardTest, MalformedTextIsRefusedNamingTheByteAndTheOldTextStays) {
   clipboard.SetText("kept");
-  expectRefused(clipboard, "ab\xFF", "3");            // not a UTF-8 byte at all
-  expectRefused(clipboard, "\xC3", "1");              // cut short
-  expectRefused(clipboard, "x\xC0\xAF", "2");         // overlong "/"
-  expectRefused(clipboard, "\xED\xA0\x80", "1");      // a surrogate
-  expectRefused(clipboard, "\xF4\x90\x80\x80", "1");  // past U+10FFFF
-  expectRefused(clipboard, std::string("a\0b", 3), "2");
+  // A stray byte, a sequence cut short, an overlong "/", a surrogate, past U+10FFFF, a NUL.
+  const std::pair<std::string, std::string> cases[] = {
+      {"ab\xFF", "3"},           {"\xC3", "1"},
+      {"x\xC0\xAF", "2"},        {"\xED\xA0\x80", "1"},
+      {"\xF4\x90\x80\x80", "1"}, {std::string("a\0b", 3), "2"},
+  };
+  for (const auto& [text, byte] : cases) {
+    const std::string message =
+        test::errorOf(errInvalidProcedureCall, [&] { clipboard.SetText(text); });
+    EXPECT_NE(message.find("Clipboard.SetText"), std::string::npos) << message;
+    EXPECT_NE(message.find("byte " + byte), std::string::npos) << message;
+  }
   EXPECT_EQ(clipboard.GetText(), "kept");
 }
 
-TEST(ClipboardTest, TheHeadlessWindowSystemKeepsOneClipboard) {
-  auto system = std::make_shared<HeadlessWindowSystem>();
-  system->Clipboard().SetText("copied");
-  EXPECT_EQ(system->Clipboard().GetText(), "copied");
-  EXPECT_EQ(&system->Clipboard(), &system->Clipboard());
-  auto other = std::make_shared<HeadlessWindowSystem>();
-  EXPECT_FALSE(other->Clipboard().HasText()) << "each window system has its own";
-}
+INSTANTIATE_TEST_SUITE_P(BothWindowSystems, ClipboardTest, ::testing::Bool(),
+                         [](const ::testing::TestParamInfo<bool>& info) {
+                           return info.param ? "Sdl" : "Headless";
+                         });
 
 }  // namespace
 }  // namespace velt

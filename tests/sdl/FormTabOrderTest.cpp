@@ -17,67 +17,45 @@ namespace velt {
 namespace {
 
 using testing::Probe;
+using Names = std::vector<std::string>;
 
-class FormTabOrderTest : public ::testing::Test {
- protected:
-  Site* add(const std::string& name, int32_t left = 0, int32_t top = 0) {
-    hf.form.AddControl(std::make_shared<Probe>(), name, left, top, 20, 20);
-    return hf.form.FindSite(name);
-  }
-  std::string focused() const {
-    Site* site = hf.form.FocusedSite();
-    return site ? site->Name() : "(none)";
-  }
-  std::vector<std::string> tabs(int count, bool backward = false) {
-    std::vector<std::string> order;
-    for (int i = 0; i < count; ++i) {
-      hf.form.FocusNext(backward);
-      order.push_back(focused());
-    }
-    return order;
-  }
+Site* add(Form& form, const std::string& name, int32_t left = 0, int32_t top = 0) {
+  form.AddControl(std::make_shared<Probe>(), name, left, top, 20, 20);
+  return form.FindSite(name);
+}
 
+Names tabs(Form& form, int count, bool backward = false) {
+  Names order;
+  for (int i = 0; i < count; ++i) {
+    form.FocusNext(backward);
+    order.push_back(form.FocusedSite() ? form.FocusedSite()->Name() : "(none)");
+  }
+  return order;
+}
+
+TEST(FormTabOrderTest, TabWalksTheOrderAddedSkippingWhatCannotTakeTheFocus) {
   test::HeadlessForm hf;
-};
-
-TEST_F(FormTabOrderTest, TabWalksTheControlsInTheOrderAddedAndWrapsAround) {
-  add("A", 100);  // placed to the right: the order added counts, not the place
-  add("B");
-  add("C", 50);
-  EXPECT_EQ(tabs(4), (std::vector<std::string>{"A", "B", "C", "A"}));
-  EXPECT_EQ(tabs(3, true), (std::vector<std::string>{"C", "B", "A"}));
+  Site* a = add(hf.form, "A", 100);  // placed to the right: the order added counts, not the place
+  add(hf.form, "Hidden")->Visible(false);
+  add(hf.form, "B");
+  add(hf.form, "Disabled")->Enabled(false);
+  add(hf.form, "Off", -500, -500);  // parked out of sight, as composite controls park parts
+  add(hf.form, "C", 50);
+  EXPECT_EQ(tabs(hf.form, 1, true), Names{"C"}) << "from no focus, backward starts at the last";
+  EXPECT_EQ(tabs(hf.form, 4), (Names{"A", "B", "C", "A"}));
+  EXPECT_EQ(tabs(hf.form, 3, true), (Names{"C", "B", "A"}));
+  a->AddChild(std::make_shared<Probe>(), "Part", 2, 2, 5, 5).SetFocus();
+  ASSERT_EQ(hf.form.FocusedSite()->Name(), "Part");
+  EXPECT_EQ(tabs(hf.form, 1), Names{"B"}) << "a control's part moves on with its control";
 }
 
-TEST_F(FormTabOrderTest, FromNoFocusBackwardStartsAtTheLast) {
-  add("A");
-  add("B");
-  EXPECT_EQ(tabs(1, true), (std::vector<std::string>{"B"}));
-}
-
-TEST_F(FormTabOrderTest, HiddenDisabledAndOffFormControlsAreSkipped) {
-  add("A");
-  add("Hidden")->Visible(false);
-  add("Disabled")->Enabled(false);
-  add("Off", -500, -500);  // parked out of sight, as composite controls park parts
-  add("B");
-  EXPECT_EQ(tabs(3), (std::vector<std::string>{"A", "B", "A"}));
-}
-
-TEST_F(FormTabOrderTest, AControlsPartsMoveOnWithTheirControl) {
-  Site* a = add("A");
-  add("B");
-  ControlHost& part = a->AddChild(std::make_shared<Probe>(), "Part", 2, 2, 5, 5);
-  part.SetFocus();
-  EXPECT_EQ(focused(), "Part");
-  EXPECT_EQ(tabs(1), (std::vector<std::string>{"B"}));
-}
-
-TEST_F(FormTabOrderTest, NothingToMoveToIsFalse) {
+TEST(FormTabOrderTest, NothingToMoveToIsFalse) {
+  test::HeadlessForm hf;
   EXPECT_FALSE(hf.form.FocusNext());
-  add("A");
+  add(hf.form, "A");
   EXPECT_TRUE(hf.form.FocusNext());
   EXPECT_FALSE(hf.form.FocusNext()) << "the focus is already on the only control";
-  EXPECT_EQ(focused(), "A");
+  EXPECT_EQ(hf.form.FocusedSite(), hf.form.FindSite("A"));
 }
 
 }  // namespace
