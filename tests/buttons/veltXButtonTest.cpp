@@ -22,6 +22,7 @@ using test::HasButtonChrome;
 
 constexpr OLE_COLOR kWhite = 0xFFFFFF;
 constexpr OLE_COLOR kDarkBlue = 0xC00000;
+const ColorScheme kNormal = SchemeNormal(kWhite, kDarkBlue, kWhite);
 
 class veltXButtonTest : public ::testing::Test {
  protected:
@@ -50,31 +51,23 @@ class veltXButtonTest : public ::testing::Test {
   Site* site = nullptr;
 };
 
-TEST_F(veltXButtonTest, SymbolGlyphIsCentredOnePixelHigh) {
+// The symbol glyph and a text caption alike: centred horizontally, one pixel
+// above the vertical centre, in each state's colour; focus changes nothing.
+TEST_F(veltXButtonTest, CaptionIsCentredOnePixelHighInEachStatesColour) {
   add(17, 17, "6");
-  EXPECT_EQ(glyph->ID(), 15);
-  EXPECT_EQ(glyph->ClassName(), "veltXButton");
   glyph->Font(std::make_shared<Font>("Webdings", 8.25f));
-  EXPECT_TRUE(HasButtonChrome(surface(), SchemeNormal(kWhite, kDarkBlue, kWhite)));
-  EXPECT_TRUE(glyphDrawnIn(SchemeNormal(kWhite, kDarkBlue, kWhite).Text));
-}
-
-TEST_F(veltXButtonTest, TextCaptionIsAlsoOnePixelHigh) {
-  add(60, 24, "Go");
-  EXPECT_TRUE(glyphDrawnIn(SchemeNormal(kWhite, kDarkBlue, kWhite).Text));
-}
-
-TEST_F(veltXButtonTest, FocusedGlyphButtonLooksLikeAnUnfocusedOne) {
-  add(17, 17, "5");
+  EXPECT_TRUE(HasButtonChrome(surface(), kNormal));
+  EXPECT_TRUE(glyphDrawnIn(kNormal.Text));
   const Canvas before = surface();
   site->SetFocus();
   hf.Run();
   ASSERT_EQ(glyph->HasFocus(), 1);
-  EXPECT_TRUE(test::DifferenceBox(surface(), before).Empty());
-}
+  EXPECT_TRUE(test::DifferenceBox(surface(), before).Empty()) << "focused looks unfocused";
 
-TEST_F(veltXButtonTest, EachStateHasItsPaletteAndDisabledTextIsEdgeDark) {
-  add(40, 20, "H");
+  site->MovePixels(10, 10, 60, 24);
+  glyph->Font(test::PinnedFont());
+  glyph->Caption("Go");
+  EXPECT_TRUE(glyphDrawnIn(kNormal.Text));
   hf.system->PostMouseMove(15, 15);
   hf.Run();
   hf.Tick();
@@ -85,40 +78,15 @@ TEST_F(veltXButtonTest, EachStateHasItsPaletteAndDisabledTextIsEdgeDark) {
   const ColorScheme pressed = SchemePressed(kWhite, kDarkBlue, kWhite);
   EXPECT_TRUE(HasButtonChrome(surface(), pressed));
   EXPECT_TRUE(glyphDrawnIn(pressed.Text));
+  test::EventLog log(*site);
   glyph->Enabled(false);
   const ColorScheme disabled = SchemeDisabled(kWhite, kDarkBlue, kWhite);
   EXPECT_TRUE(HasButtonChrome(surface(), disabled));
   EXPECT_TRUE(glyphDrawnIn(disabled.EdgeDark));
-}
-
-TEST_F(veltXButtonTest, DisablingWhilePressedMeansNoClick) {
-  add(17, 17, "6");
-  test::EventLog log(*site);
-  hf.system->PostMouseMove(15, 15);
-  hf.system->PostMouseDown(1, 15, 15);
-  hf.Run();
-  glyph->Enabled(false);
   glyph->Enabled(true);
   hf.system->PostMouseUp(1, 15, 15);
   hf.Run();
-  EXPECT_EQ(log.Names(), (std::vector<std::string>{"MouseMove", "MouseDown", "MouseUp"}));
-}
-
-TEST_F(veltXButtonTest, RaisesTheFrameEventsInOrder) {
-  add(17, 17, "6");
-  site->SetFocus();
-  test::EventLog log(*site);
-  hf.system->PostMouseMove(12, 13);
-  hf.system->PostMouseDown(1, 12, 13, 4);
-  hf.system->PostMouseUp(1, 12, 13);
-  hf.system->PostKeyDown(32, 0);
-  hf.system->PostKeyPress(32);
-  hf.system->PostKeyUp(32, 0);
-  hf.Run();
-  EXPECT_EQ(log.Lines(),
-            (std::vector<std::string>{"MouseMove(i0, i0, f2, f3)", "MouseDown(i1, i4, f2, f3)",
-                                      "Click()", "MouseUp(i1, i0, f2, f3)", "KeyDown(i32, i0)",
-                                      "Click()", "KeyPress(i32)", "KeyUp(i32, i0)"}));
+  EXPECT_EQ(log.Names(), (std::vector<std::string>{"MouseUp"})) << "disabling dropped the press";
 }
 
 TEST_F(veltXButtonTest, StoresOnlyTheFrameProperties) {

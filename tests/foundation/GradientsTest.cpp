@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "velt/platform/Error.hpp"
+#include "support/ExpectError.hpp"
 
 namespace velt {
 namespace {
@@ -18,13 +18,13 @@ constexpr OLE_COLOR kRed = 0x0000FF;
 constexpr OLE_COLOR kGreen = 0x00FF00;
 constexpr OLE_COLOR kBlue = 0xFF0000;
 
-Canvas blankCanvas(int32_t width, int32_t height) {
-  Canvas canvas(width, height);
+// A canvas `along` pixels on the shading axis and `across` on the other.
+Canvas blankCanvas(bool vertical, int32_t along, int32_t across) {
+  Canvas canvas(vertical ? across : along, vertical ? along : across);
   canvas.BackColor(kUntouched);
   return canvas;
 }
 
-// Pixel (along, across) where "along" is the shading axis: rows when vertical.
 OLE_COLOR at(const Canvas& canvas, bool vertical, int32_t along, int32_t across) {
   return static_cast<OLE_COLOR>(vertical ? canvas.Point(across, along)
                                          : canvas.Point(along, across));
@@ -37,129 +37,95 @@ OLE_COLOR at(const Canvas& canvas, bool vertical, int32_t along, int32_t across)
   for (int shift = 0; shift < 24; shift += 8) {
     const int a = static_cast<int>((from >> shift) & 0xFF);
     const int b = static_cast<int>((to >> shift) & 0xFF);
-    if (std::abs(static_cast<int>((actual >> shift) & 0xFF) - (a + (b - a) * step / steps)) > 1) {
+    if (std::abs(static_cast<int>((actual >> shift) & 0xFF) - (a + (b - a) * step / steps)) > 1)
       return ::testing::AssertionFailure()
              << std::hex << "0x" << actual << " is not step " << std::dec << step << "/" << steps;
-    }
   }
   return ::testing::AssertionSuccess();
 }
 
+// A run from `along` on the shading axis, over the `width` pixels from `first`
+// on the other: the start colour, then step k of `steps` for `count` pixels.
+void expectRun(const Canvas& canvas, bool vertical, int32_t along, int32_t first, int32_t width,
+               OLE_COLOR from, OLE_COLOR to, int32_t steps, int32_t count) {
+  for (int32_t across = first; across < first + width; ++across) {
+    EXPECT_EQ(at(canvas, vertical, along, across), from);
+    for (int32_t k = 0; k < count; ++k)
+      EXPECT_TRUE(isStep(at(canvas, vertical, along + k, across), from, to, k, steps)) << k;
+  }
+}
+
 int32_t touchedPixels(const Canvas& canvas) {
   int32_t count = 0;
-  for (int32_t y = 0; y < canvas.ScaleHeight(); ++y) {
+  for (int32_t y = 0; y < canvas.ScaleHeight(); ++y)
     for (int32_t x = 0; x < canvas.ScaleWidth(); ++x)
       count += canvas.Point(x, y) != kUntouched;
-  }
   return count;
 }
 
-TEST(GradientRect, StartColourAtTheStartEdgeAndTheLastPixelShortOfTheEnd) {
+// The last pixel stops one step short of the end colour.
+TEST(GradientRect, StartColourAtTheStartEdgeAndOtherModesPaintNothing) {
+  const VertexColor red = ColorToVertexColor(kRed);
   for (bool vertical : {false, true}) {
     SCOPED_TRACE(vertical ? "vertical" : "horizontal");
-    Canvas canvas = blankCanvas(12, 12);
+    Canvas canvas = blankCanvas(vertical, 12, 12);
     // 4 pixels along the shading axis from 2, 5 across it from 3.
-    if (vertical) {
-      GradientRect(canvas, 3, 2, 5, 4, ColorToVertexColor(kRed), ColorToVertexColor(kBlue),
-                   kGradientVertical);
-    } else {
-      GradientRect(canvas, 2, 3, 4, 5, ColorToVertexColor(kRed), ColorToVertexColor(kBlue),
-                   kGradientHorizontal);
-    }
+    if (vertical)
+      GradientRect(canvas, 3, 2, 5, 4, red, ColorToVertexColor(kBlue), kGradientVertical);
+    else
+      GradientRect(canvas, 2, 3, 4, 5, red, ColorToVertexColor(kBlue), kGradientHorizontal);
     EXPECT_EQ(touchedPixels(canvas), 20);
-    for (int32_t across = 3; across < 8; ++across) {
-      EXPECT_EQ(at(canvas, vertical, 2, across), kRed);
-      for (int32_t step = 0; step < 4; ++step) {
-        EXPECT_TRUE(isStep(at(canvas, vertical, 2 + step, across), kRed, kBlue, step, 4));
-      }
-      EXPECT_NE(at(canvas, vertical, 5, across), kBlue);
-    }
+    expectRun(canvas, vertical, 2, 3, 5, kRed, kBlue, 4, 4);
   }
-}
-
-TEST(GradientRect, OtherModesPaintNothingAndFarEdgesBeyond32BitsOverflow) {
-  Canvas canvas = blankCanvas(6, 6);
-  const VertexColor red = ColorToVertexColor(kRed);
+  Canvas canvas = blankCanvas(false, 6, 6);
   GradientRect(canvas, 0, 0, 6, 6, red, red, 2);
   GradientRect(canvas, 0, 0, 6, 6, red, red, -1);
   EXPECT_EQ(touchedPixels(canvas), 0);
-  const int32_t max = std::numeric_limits<int32_t>::max();
-  for (auto [x, y, w, h] : {std::array{max, 0, 1, 1}, std::array{0, max - 1, 1, 2}}) {
-    try {
-      GradientRect(canvas, x, y, w, h, red, red, 0);
-      ADD_FAILURE() << "no overflow";
-    } catch (const Error& e) {
-      EXPECT_EQ(e.Number(), errOverflow);
-    }
-  }
+  const int32_t max = std::numeric_limits<int32_t>::max();  // far edges beyond 32 bits
+  for (auto [x, y, w, h] : {std::array{max, 0, 1, 1}, std::array{0, max - 1, 1, 2}})
+    test::errorOf(errOverflow, [&] { GradientRect(canvas, x, y, w, h, red, red, 0); });
 }
 
-// Along the shading axis: where the box starts and its length, then the first
-// pixel and the size of each half.
-struct HalvesCase {
-  int32_t start, extent;
-  int32_t firstStart, firstSize;    // C1 -> C2
-  int32_t secondStart, secondSize;  // C2 -> C3
-};
-
-TEST(GradientBox3, SecondHalfIsPlacedFromTheSurfaceEdge) {
-  const HalvesCase cases[] = {{0, 10, 0, 6, 5, 5}, {0, 11, 0, 6, 6, 5}, {3, 17, 3, 9, 9, 8}};
+TEST(GradientBox3, SecondHalfIsPlacedFromTheSurfaceEdgeAndOtherDirectionsPaintNothing) {
+  // Along the shading axis: the box's start and length, then the first pixel and
+  // size of each half (C1 -> C2, C2 -> C3) on a surface 24 pixels long; the
+  // second half is drawn over the first.
+  const struct {
+    int32_t start, extent, firstStart, firstSize, secondStart, secondSize;
+  } cases[] = {{0, 10, 0, 6, 5, 5}, {0, 11, 0, 6, 6, 5}, {3, 17, 3, 9, 9, 8}};
   for (bool vertical : {true, false}) {
-    for (const HalvesCase& c : cases) {
-      SCOPED_TRACE(::testing::Message()
-                   << (vertical ? "stacked " : "side by side ") << c.start << " " << c.extent);
-      // 24 pixels along the shading axis, 8 across it; the box covers 2..5 across.
-      Canvas canvas = vertical ? blankCanvas(8, 24) : blankCanvas(24, 8);
-      if (vertical) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(::testing::Message() << vertical << " " << c.start << " " << c.extent);
+      // 8 pixels across the shading axis; the box covers 2..5 of them.
+      Canvas canvas = blankCanvas(vertical, 24, 8);
+      if (vertical)
         GradientBox3(canvas, 2, c.start, 4, c.extent, kRed, kGreen, kBlue, kBoxStacked);
-      } else {
+      else
         GradientBox3(canvas, c.start, 2, c.extent, 4, kRed, kGreen, kBlue, kBoxSideBySide);
-      }
-      const int32_t end = c.secondStart + c.secondSize;
-      EXPECT_EQ(touchedPixels(canvas), 4 * (end - c.firstStart));
-      for (int32_t along = c.firstStart; along < end; ++along) {
-        for (int32_t across = 2; across < 6; ++across) {
-          const OLE_COLOR pixel = at(canvas, vertical, along, across);
-          if (along < c.secondStart) {
-            EXPECT_TRUE(isStep(pixel, kRed, kGreen, along - c.firstStart, c.firstSize)) << along;
-          } else {
-            EXPECT_TRUE(isStep(pixel, kGreen, kBlue, along - c.secondStart, c.secondSize)) << along;
-          }
-        }
-      }
-      EXPECT_EQ(at(canvas, vertical, c.firstStart, 2), kRed);
-      EXPECT_EQ(at(canvas, vertical, c.secondStart, 2), kGreen);
+      EXPECT_EQ(touchedPixels(canvas), 4 * (c.secondStart + c.secondSize - c.firstStart));
+      expectRun(canvas, vertical, c.firstStart, 2, 4, kRed, kGreen, c.firstSize,
+                c.secondStart - c.firstStart);
+      expectRun(canvas, vertical, c.secondStart, 2, 4, kGreen, kBlue, c.secondSize, c.secondSize);
     }
   }
-}
-
-TEST(GradientBox3, OtherDirectionsPaintNothingAndSystemColoursAreOutsideItsDomain) {
-  for (int32_t direction : {0, 3, -1, 100}) {
-    Canvas canvas = blankCanvas(10, 10);
+  Canvas canvas = blankCanvas(false, 10, 10);
+  for (int32_t direction : {0, 3, -1, 100})
     GradientBox3(canvas, 0, 0, 10, 10, kRed, kGreen, kBlue, direction);
-    EXPECT_EQ(touchedPixels(canvas), 0) << "direction " << direction;
-  }
-  Canvas canvas = blankCanvas(4, 4);
-  EXPECT_THROW(GradientBox3(canvas, 0, 0, 4, 4, kRed, kSystemColorFlag | 15, kBlue, kBoxStacked),
-               Error);
+  EXPECT_EQ(touchedPixels(canvas), 0);
+  test::errorOf(errOverflow, [&] {  // system colours are outside its domain
+    GradientBox3(canvas, 0, 0, 4, 4, kRed, kSystemColorFlag | 15, kBlue, kBoxStacked);
+  });
 }
 
 TEST(GradientLine, OrientationTwoIsVerticalAnyOtherHorizontal) {
   for (int32_t orientation : {1, 0, 3, -2, kLineVertical}) {
     SCOPED_TRACE(orientation);
     const bool vertical = orientation == kLineVertical;
-    Canvas canvas = blankCanvas(10, 10);
+    Canvas canvas = blankCanvas(vertical, 10, 10);
     // Starts 2 along the line, 1 across it.
-    if (vertical) {
-      GradientLine(canvas, 1, 2, 6, orientation, kRed, kGreen);
-    } else {
-      GradientLine(canvas, 2, 1, 6, orientation, kRed, kGreen);
-    }
+    GradientLine(canvas, vertical ? 1 : 2, vertical ? 2 : 1, 6, orientation, kRed, kGreen);
     EXPECT_EQ(touchedPixels(canvas), 6);
-    EXPECT_EQ(at(canvas, vertical, 2, 1), kRed);
-    for (int32_t step = 0; step < 6; ++step) {
-      EXPECT_TRUE(isStep(at(canvas, vertical, 2 + step, 1), kRed, kGreen, step, 6));
-    }
+    expectRun(canvas, vertical, 2, 1, 1, kRed, kGreen, 6, 6);
   }
 }
 

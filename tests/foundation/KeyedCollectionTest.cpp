@@ -6,16 +6,17 @@
 #include <memory>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "velt/platform/Error.hpp"
+#include "support/ExpectError.hpp"
 
 namespace velt {
 namespace {
 
+using Names = std::vector<std::string>;
+
 struct Thing {
-  explicit Thing(std::string name) : name(std::move(name)) {}
+  explicit Thing(std::string n) : name(std::move(n)) {}
   ~Thing() {
     if (onDestroy) onDestroy();
   }
@@ -29,164 +30,94 @@ std::shared_ptr<Thing> thing(const std::string& name) {
   return std::make_shared<Thing>(name);
 }
 
-std::vector<std::string> names(const Things& things) {
-  std::vector<std::string> result;
-  for (const auto& item : things)
+template <typename Range>
+Names names(const Range& range) {
+  Names result;
+  for (const auto& item : range)
     result.push_back(item->name);
   return result;
 }
 
-// Runs body, which must fail with error `number` and a message containing
-// `mention`.
-template <typename Body>
-void expectError(int32_t number, const std::string& mention, Body body) {
-  try {
-    body();
-    ADD_FAILURE() << "expected error " << number;
-  } catch (const Error& e) {
-    EXPECT_EQ(e.Number(), number) << e.what();
-    EXPECT_NE(e.Description().find(mention), std::string::npos) << e.what();
-  }
-}
-
-// Three keyed entries and one without a key: "a", "b" (no key), "c", "d".
-void fill(Things& things) {
-  things.Add(thing("a"), "ka");
-  things.Add(thing("b"), "");
-  things.Add(thing("c"), "kc");
-  things.Add(thing("d"), "kd");
-}
-
-class KeyedCollectionFilled : public ::testing::Test {
+// "a", "b" (no key), "c", "d" under "ka", "kc", "kd".
+class KeyedCollectionTest : public ::testing::Test {
  protected:
-  KeyedCollectionFilled() { fill(things); }
+  KeyedCollectionTest() {
+    things.Add(thing("a"), "ka");
+    things.Add(thing("b"), "");
+    things.Add(thing("c"), "kc");
+    things.Add(thing("d"), "kd");
+  }
   Things things{KeyComparison::Exact, "Things"};
 };
 
-void expectUnchanged(const Things& things) {
-  EXPECT_EQ(names(things), (std::vector<std::string>{"a", "b", "c", "d"}));
+// Every failure names its culprit, and none leaves a trace (a failed insert
+// does not keep its key). Entries without a key are reached by position only.
+TEST_F(KeyedCollectionTest, FailedCallsNameTheCulpritAndChangeNothing) {
+  const struct {
+    int32_t number;
+    const char* mention;
+    std::function<void()> call;
+  } failures[] = {
+      {errKeyAlreadyExists, "\"kc\"", [&] { things.Add(thing("x"), "kc"); }},
+      {errKeyAlreadyExists, "\"ka\"", [&] { things.Insert(1, thing("x"), "ka"); }},
+      {errInvalidProcedureCall, "\"nope\"", [&] { things.Item("nope"); }},
+      {errInvalidProcedureCall, "\"nope\"", [&] { things.Remove("nope"); }},
+      {errInvalidProcedureCall, "\"nope\"", [&] { things.PositionOf("nope"); }},
+      {errInvalidProcedureCall, "\"\"", [&] { things.Item(""); }},
+      {errInvalidProcedureCall, "\"\"", [&] { things.Remove(""); }},
+      {errSubscriptOutOfRange, "position 0", [&] { things.Item(0); }},
+      {errSubscriptOutOfRange, "position 5", [&] { things.Item(5); }},
+      {errSubscriptOutOfRange, "position -1", [&] { things.Remove(-1); }},
+      {errSubscriptOutOfRange, "position 5", [&] { things.Remove(5); }},
+      {errSubscriptOutOfRange, "position 6", [&] { things.Insert(6, thing("x"), "new"); }},
+      {errSubscriptOutOfRange, "position 0", [&] { things.Insert(0, thing("x"), "new"); }},
+      {errObjectNotSet, "Things", [&] { things.Add(nullptr, "new"); }},
+  };
+  for (const auto& failure : failures)
+    EXPECT_NE(test::errorOf(failure.number, failure.call).find(failure.mention), std::string::npos)
+        << failure.mention;
+  EXPECT_EQ(names(things), (Names{"a", "b", "c", "d"}));
   EXPECT_EQ(things.Item("ka")->name, "a");
-  EXPECT_EQ(things.Item("kc")->name, "c");
   EXPECT_EQ(things.PositionOf("kd"), 4);
-}
-
-TEST(KeyedCollection, PositionsAreOneBasedAndInsertShiftsTheRest) {
-  Things things(KeyComparison::Exact, "Things");
-  things.Insert(1, thing("b"), "kb");
-  things.Insert(1, thing("a"), "ka");  // in front
-  things.Insert(3, thing("d"), "");    // after the last
-  things.Insert(3, thing("c"), "kc");  // between
-  EXPECT_EQ(things.Count(), 4);
-  EXPECT_EQ(names(things), (std::vector<std::string>{"a", "b", "c", "d"}));
-  EXPECT_EQ(things.Item(1)->name, "a");
-  EXPECT_EQ(things.Item(4)->name, "d");
-  EXPECT_EQ(things.PositionOf("kb"), 2);
-  EXPECT_EQ(things.PositionOf("kc"), 3);
-  EXPECT_EQ(&things.Get(3), things.Item("kc").get());
-}
-
-TEST(KeyedCollection, EntriesWithoutKeyCoexistAndAreReachedByPositionOnly) {
-  Things things(KeyComparison::Exact, "Things");
-  things.Add(thing("first"), "");
-  things.Add(thing("second"), "");
-  EXPECT_EQ(things.Count(), 2);
-  EXPECT_EQ(things.Item(2)->name, "second");
   EXPECT_EQ(things.Find(""), nullptr);
-  EXPECT_FALSE(things.Contains(""));
-  expectError(errInvalidProcedureCall, "\"\"", [&] { things.Item(""); });
-  expectError(errInvalidProcedureCall, "\"\"", [&] { things.Remove(""); });
-  EXPECT_EQ(things.Count(), 2);
-}
-
-TEST_F(KeyedCollectionFilled, FailedCallsNameTheCulpritAndChangeNothing) {
-  expectError(errKeyAlreadyExists, "\"kc\"", [&] { things.Add(thing("x"), "kc"); });
-  expectError(errKeyAlreadyExists, "\"ka\"", [&] { things.Insert(1, thing("x"), "ka"); });
-  expectError(errInvalidProcedureCall, "\"nope\"", [&] { things.Item("nope"); });
-  expectError(errInvalidProcedureCall, "\"nope\"", [&] { things.Remove("nope"); });
-  expectError(errInvalidProcedureCall, "\"nope\"", [&] { things.PositionOf("nope"); });
-  expectError(errSubscriptOutOfRange, "position 0", [&] { things.Item(0); });
-  expectError(errSubscriptOutOfRange, "position 5", [&] { things.Item(5); });
-  expectError(errSubscriptOutOfRange, "position -1", [&] { things.Remove(-1); });
-  expectError(errSubscriptOutOfRange, "position 5", [&] { things.Remove(5); });
-  expectError(errSubscriptOutOfRange, "position 6", [&] { things.Insert(6, thing("x"), "new"); });
-  expectError(errSubscriptOutOfRange, "position 0", [&] { things.Insert(0, thing("x"), "new"); });
-  expectError(errObjectNotSet, "Things", [&] { things.Add(nullptr, "new"); });
-  expectUnchanged(things);
-  EXPECT_FALSE(things.Contains("new"));  // a failed insert does not leave its key behind
+  EXPECT_FALSE(things.Contains("new"));
   things.Add(thing("e"), "new");
   EXPECT_EQ(things.PositionOf("new"), 5);
+
+  Things empty(KeyComparison::Exact, "Things");
+  EXPECT_NE(test::errorOf(errSubscriptOutOfRange, [&] { empty.Item(1); }).find("empty"),
+            std::string::npos);
+  EXPECT_NE(test::errorOf(errSubscriptOutOfRange, [&] { empty.Remove(1); }).find("Things"),
+            std::string::npos);
 }
 
-TEST(KeyedCollection, AnEmptyCollectionSaysSo) {
-  Things things(KeyComparison::Exact, "Things");
-  expectError(errSubscriptOutOfRange, "empty", [&] { things.Item(1); });
-  expectError(errSubscriptOutOfRange, "Things", [&] { things.Remove(1); });
+TEST(KeyedCollection, KeysCompareExactlyOrFoldedBeyondAsciiAndMalformedStayApart) {
+  Things exact(KeyComparison::Exact, "Things");
+  exact.Add(thing("lower"), "key");
+  exact.Add(thing("upper"), "KEY");
+  EXPECT_EQ(exact.Item("KEY")->name, "upper");
+  EXPECT_EQ(exact.Find("Key"), nullptr);
+
+  Things folded(KeyComparison::IgnoreCase, "Things");
+  folded.Add(thing("apples"), "\xC3\x84pfel");      // Äpfel
+  folded.Add(thing("street"), "Stra\xC3\x9F\x65");  // Straße
+  folded.Add(thing("plain"), "Plain");
+  folded.Add(thing("one"), "\xFF\x41\xC3\x84");  // a malformed byte, "A", "Ä"
+  folded.Add(thing("two"), "\xFE\x41\xC3\x84");
+  EXPECT_EQ(folded.Item("\xC3\xA4PFEL")->name, "apples");  // äPFEL
+  EXPECT_EQ(folded.Item("STRASSE")->name, "street");
+  EXPECT_EQ(folded.Item("pLAIN")->name, "plain");
+  EXPECT_EQ(folded.Item("\xFF\x61\xC3\xA4")->name, "one");
+  EXPECT_EQ(folded.Item("\xFE\x61\xC3\xA4")->name, "two");
+  EXPECT_EQ(folded.Find("Apfel"), nullptr);  // the accent still counts
+  test::errorOf(errKeyAlreadyExists, [&] { folded.Add(thing("x"), "PLAIN"); });
+  folded.Remove("strasse");
+  EXPECT_EQ(names(folded), (Names{"apples", "plain", "one", "two"}));
+  EXPECT_EQ(folded.PositionOf("PLAIN"), 2);
 }
 
-TEST_F(KeyedCollectionFilled, RemovedKeysCanBeUsedAgain) {
-  things.Remove("kc");
-  things.Remove(1);  // "a", under "ka"
-  EXPECT_EQ(names(things), (std::vector<std::string>{"b", "d"}));
-  EXPECT_FALSE(things.Contains("ka"));
-  EXPECT_FALSE(things.Contains("kc"));
-  EXPECT_EQ(things.PositionOf("kd"), 2);
-  things.Add(thing("a2"), "ka");
-  things.Add(thing("c2"), "kc");
-  EXPECT_EQ(things.PositionOf("kc"), 4);
-  things.Clear();
-  EXPECT_EQ(things.Count(), 0);
-  EXPECT_FALSE(things.Contains("kd"));
-  things.Add(thing("d2"), "kd");
-  EXPECT_EQ(things.Item("kd")->name, "d2");
-}
-
-TEST(KeyedCollection, ExactKeysTellCaseApart) {
-  Things things(KeyComparison::Exact, "Things");
-  things.Add(thing("lower"), "key");
-  things.Add(thing("upper"), "KEY");
-  EXPECT_EQ(things.Item("KEY")->name, "upper");
-  EXPECT_EQ(things.Find("Key"), nullptr);
-}
-
-TEST(KeyedCollection, KeysThatIgnoreCaseFoldLettersBeyondAscii) {
-  Things things(KeyComparison::IgnoreCase, "Things");
-  things.Add(thing("apples"), "\xC3\x84pfel");  // Äpfel
-  things.Add(thing("street"),
-             "Stra\xC3\x9F"
-             "e");  // Straße
-  things.Add(thing("plain"), "Plain");
-  EXPECT_EQ(things.Item("\xC3\xA4PFEL")->name, "apples");  // äPFEL
-  EXPECT_EQ(things.Item("STRASSE")->name, "street");
-  EXPECT_EQ(things.Item("pLAIN")->name, "plain");
-  EXPECT_EQ(things.Find("Apfel"), nullptr);  // the accent still counts
-  expectError(errKeyAlreadyExists, "\"PLAIN\"", [&] { things.Add(thing("x"), "PLAIN"); });
-  things.Remove("strasse");
-  EXPECT_EQ(names(things), (std::vector<std::string>{"apples", "plain"}));
-  EXPECT_EQ(things.PositionOf("PLAIN"), 2);
-}
-
-TEST(KeyedCollection, MalformedKeysAreKeptApartNotMerged) {
-  Things things(KeyComparison::IgnoreCase, "Things");
-  things.Add(thing("one"),
-             "\xFF"
-             "A\xC3\x84");
-  things.Add(thing("two"),
-             "\xFE"
-             "A\xC3\x84");
-  EXPECT_EQ(things
-                .Item("\xFF"
-                      "a\xC3\xA4")
-                ->name,
-            "one");
-  EXPECT_EQ(things
-                .Item("\xFE"
-                      "a\xC3\xA4")
-                ->name,
-            "two");
-}
-
-// Positions of keys are renumbered lazily; compare them with a plain vector
-// through a long random mix of inserts and removals.
+// Positions are 1-based and renumbered lazily; compare them with a plain
+// vector through a long random mix of inserts and removals.
 TEST(KeyedCollection, PositionsOfKeysFollowEveryInsertAndRemoval) {
   Things things(KeyComparison::Exact, "Things");
   std::vector<std::string> model;  // key per position; "" for none
@@ -215,19 +146,18 @@ TEST(KeyedCollection, PositionsOfKeysFollowEveryInsertAndRemoval) {
         ASSERT_EQ(things.PositionOf(key), static_cast<int32_t>(index + 1)) << "step " << step;
       }
     }
-    if (step % 100 == 0) {
-      for (size_t i = 0; i < model.size(); ++i) {
-        if (model[i].empty()) continue;
-        ASSERT_EQ(things.PositionOf(model[i]), static_cast<int32_t>(i + 1)) << "step " << step;
-      }
+    for (size_t i = 0; step % 100 == 0 && i < model.size(); ++i) {
+      if (model[i].empty()) continue;
+      ASSERT_EQ(things.PositionOf(model[i]), static_cast<int32_t>(i + 1)) << "step " << step;
     }
   }
-  ASSERT_EQ(things.Count(), static_cast<int32_t>(model.size()));
-  for (size_t i = 0; i < model.size(); ++i)
-    EXPECT_EQ(things.Item(static_cast<int32_t>(i + 1))->name, model[i]);
+  EXPECT_EQ(names(things), model);
+  EXPECT_EQ(&things.Get(3), things.Item(3).get());
 }
 
-TEST_F(KeyedCollectionFilled, AnItemIsReleasedOnlyOnceTheCollectionIsWholeAgain) {
+// An item is released only once the collection is whole again; its key is
+// free then, as are all keys after Clear.
+TEST_F(KeyedCollectionTest, AnItemIsReleasedOnlyOnceTheCollectionIsWholeAgain) {
   std::weak_ptr<Thing> watched = things.Item("kc");
   int32_t countSeen = -1;
   bool keySeen = true;
@@ -239,41 +169,38 @@ TEST_F(KeyedCollectionFilled, AnItemIsReleasedOnlyOnceTheCollectionIsWholeAgain)
   EXPECT_TRUE(watched.expired());
   EXPECT_EQ(countSeen, 3);
   EXPECT_FALSE(keySeen);
-
+  things.Add(thing("c2"), "kc");
+  EXPECT_EQ(things.PositionOf("kc"), 4);
   things.Item(1)->onDestroy = [&] { countSeen = things.Count(); };
   things.Clear();
   EXPECT_EQ(countSeen, 0);
+  things.Add(thing("d2"), "kd");
+  EXPECT_EQ(things.Item("kd")->name, "d2");
 }
 
-TEST_F(KeyedCollectionFilled, EnumerationSurvivesRemovalWhileItRuns) {
-  std::vector<std::string> seen;
+// An enumeration yields whatever is at its next position: "c" moves onto a
+// position already visited, so nothing is visited twice or read past the end.
+// Held on its own, it keeps its entries after the collection is gone.
+TEST_F(KeyedCollectionTest, EnumerationSurvivesRemovalAndTheCollectionItself) {
+  Names seen;
   for (const auto& item : things) {
     seen.push_back(item->name);
-    if (item->name == "b") things.Remove(1);  // the entries after it move up one
+    if (item->name == "b") things.Remove(1);
   }
-  // "c" moved onto the position already visited; nothing is visited twice and
-  // nothing past the end is read.
-  EXPECT_EQ(seen, (std::vector<std::string>{"a", "b", "d"}));
-
+  EXPECT_EQ(seen, (Names{"a", "b", "d"}));
   seen.clear();
   for (const auto& item : things) {
     seen.push_back(item->name);
     things.Clear();
   }
-  EXPECT_EQ(seen, (std::vector<std::string>{"b"}));
-}
+  EXPECT_EQ(seen, (Names{"b"}));
 
-TEST(KeyedCollection, AnEnumerationHeldKeepsItsEntriesAfterTheCollectionIsGone) {
-  auto things = std::make_unique<Things>(KeyComparison::Exact, "Things");
-  fill(*things);
-  Things::Enumeration enumeration = things->NewEnum();
-  std::weak_ptr<Thing> first = things->Item(1);
-  things.reset();
-  EXPECT_FALSE(first.expired());
-  std::vector<std::string> seen;
-  for (const auto& item : enumeration)
-    seen.push_back(item->name);
-  EXPECT_EQ(seen, (std::vector<std::string>{"a", "b", "c", "d"}));
+  auto owned = std::make_unique<Things>(KeyComparison::Exact, "Things");
+  owned->Add(thing("x"), "kx");
+  owned->Add(thing("y"), "");
+  const Things::Enumeration enumeration = owned->NewEnum();
+  owned.reset();
+  EXPECT_EQ(names(enumeration), (Names{"x", "y"}));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,7 +10,6 @@
 #include "velt/platform/ControlHost.hpp"
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/UserControl.hpp"
-#include "velt/platform/Variant.hpp"
 
 namespace velt::testing {
 
@@ -26,6 +24,8 @@ class Probe : public UserControl {
   ControlHost* host = nullptr;
   std::string caption;
   std::function<void()> onMouseDown, onMouseUp, onMouseMove, onKeyDown, onReadProperties;
+  // Set once the control went on after a handler, using its host and itself.
+  int continued = 0;
 
   std::string ClassName() const override { return "Probe"; }
   int16_t ID() const override { return 99; }
@@ -50,39 +50,24 @@ class Probe : public UserControl {
     record("WriteProperties");
   }
   void Resize() override {
-    record("Resize " + std::to_string(host->Surface().ScaleWidth()) + "x" +
-           std::to_string(host->Surface().ScaleHeight()));
+    const Canvas& surface = host->Surface();
+    record("Resize " + std::to_string(surface.ScaleWidth()) + "x" +
+           std::to_string(surface.ScaleHeight()));
     paint();
   }
   void Terminate() override { record("Terminate"); }
 
   void OnMouseDown(int16_t button, int16_t shift, float x, float y) override {
-    record(mouse("MouseDown", button, shift, x, y));
-    if (onMouseDown) {
-      onMouseDown();
-      afterHandler();
-    }
+    react(mouse("MouseDown", button, shift, x, y), onMouseDown);
   }
   void OnMouseMove(int16_t button, int16_t shift, float x, float y) override {
-    record(mouse("MouseMove", button, shift, x, y));
-    if (onMouseMove) {
-      onMouseMove();
-      afterHandler();
-    }
+    react(mouse("MouseMove", button, shift, x, y), onMouseMove);
   }
   void OnMouseUp(int16_t button, int16_t shift, float x, float y) override {
-    record(mouse("MouseUp", button, shift, x, y));
-    if (onMouseUp) {
-      onMouseUp();
-      afterHandler();
-    }
+    react(mouse("MouseUp", button, shift, x, y), onMouseUp);
   }
   void OnKeyDown(int16_t& keyCode, int16_t& shift) override {
-    record("KeyDown " + std::to_string(keyCode) + " " + std::to_string(shift));
-    if (onKeyDown) {
-      onKeyDown();
-      afterHandler();
-    }
+    react("KeyDown " + std::to_string(keyCode) + " " + std::to_string(shift), onKeyDown);
   }
   void OnKeyUp(int16_t& keyCode, int16_t& shift) override {
     record("KeyUp " + std::to_string(keyCode) + " " + std::to_string(shift));
@@ -91,34 +76,28 @@ class Probe : public UserControl {
   void OnEnterFocus() override { record("EnterFocus"); }
   void OnExitFocus() override { record("ExitFocus"); }
 
-  // Uses the host after a handler ran, as a real control repaints.
+  // Uses the host, as a real control repaints.
   void paint() { host->Surface().BackColor(color_); }
-
   void clear() { calls.clear(); }
-
-  // Set once the control went on after a handler, using its host and itself.
-  int continued = 0;
 
  private:
   void record(const std::string& call) {
     calls.push_back(call);
     if (journal_) journal_->push_back((host ? host->AmbientDisplayName() : "?") + ":" + call);
   }
-  // What a control does after raising an event: repaint, and ask its host
-  // things that reach the form.
-  void afterHandler() {
+  // Records the call, runs the test's handler, then goes on as a control does
+  // after raising an event: repaints and asks its host things that reach the
+  // form.
+  void react(const std::string& call, const std::function<void()>& handler) {
+    record(call);
+    if (!handler) return;
+    handler();
     paint();
     host->PropertyChanged("State");
-    lastRect = host->WindowRect();
-    lastFocus = host->HasFocus();
+    (void)host->WindowRect();
+    (void)host->HasFocus();
     ++continued;
   }
-
- public:
-  RectL lastRect;
-  bool lastFocus = false;
-
- private:
   static std::string mouse(const char* what, int16_t button, int16_t shift, float x, float y) {
     char text[96];
     std::snprintf(text, sizeof text, "%s %d %d %g %g", what, button, shift, x, y);

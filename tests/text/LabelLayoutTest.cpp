@@ -49,17 +49,13 @@ class LabelLayoutTest : public ::testing::Test {
 
 // ---- FitText ----------------------------------------------------------------
 
-TEST_F(LabelLayoutTest, TextIsKeptUpToItsExactWidthAndShortTextNeverCut) {
-  const std::string text = "Printer settings";
-  EXPECT_EQ(FitText(canvas, text, width(text)), text);
-  EXPECT_NE(FitText(canvas, text, width(text) - 1), text);
+// Text is kept up to its exact width and text under four characters is never
+// cut; otherwise the cut text is the longest head of the text (cut between
+// characters) that, followed by "...", is strictly narrower than the width.
+TEST_F(LabelLayoutTest, EllipsisKeepsTheLongestHeadThatStaysStrictlyInside) {
+  EXPECT_EQ(FitText(canvas, "Printer", width("Printer")), "Printer");
   EXPECT_EQ(FitText(canvas, "WWW", 5), "WWW");
   EXPECT_EQ(FitText(canvas, "Wonderful", 3), "...") << "nothing but the dots fits";
-}
-
-// The cut text is the longest head of the text (cut between characters) that,
-// followed by "...", is strictly narrower than the width.
-TEST_F(LabelLayoutTest, EllipsisKeepsTheLongestHeadThatStaysStrictlyInside) {
   for (const std::string text :
        {"The quick brown fox jumps over the lazy dog", "äöüßäöüßäöüß€€€€ Grüße aus Köln"}) {
     for (int32_t limit : {20, 37, 60, 95, width(text) - 1}) {
@@ -77,28 +73,25 @@ TEST_F(LabelLayoutTest, EllipsisKeepsTheLongestHeadThatStaysStrictlyInside) {
 
 // ---- NextLine ---------------------------------------------------------------
 
-// The candidate must be narrower than the width, its trailing blank included.
+// The candidate, its trailing blank included, must be narrower than the width;
+// the blank after the last word is used up; a word wider than the line stays
+// whole; a marker ends the line; a line takes at most 1000 characters.
 TEST_F(LabelLayoutTest, LineBreaksAfterTheLastBlankThatFits) {
   const std::string text = "alpha beta gamma delta";
-  const WrappedLine next = NextLine(canvas, text, width("alpha beta ") + 1);
-  EXPECT_EQ(next.consumed, 11) << "the blank after the last word is used up";
-  EXPECT_EQ(next.line, "alpha beta");
-  const WrappedLine exact = NextLine(canvas, text, width("alpha beta "));
-  EXPECT_EQ(exact.consumed, 6);
-  EXPECT_EQ(exact.line, "alpha");
-}
-
-TEST_F(LabelLayoutTest, WordWiderThanTheLineStaysWhole) {
-  const WrappedLine first = NextLine(canvas, "Antidisestablishmentarianism is long", 20);
-  EXPECT_EQ(first.line, "Antidisestablishmentarianism");
-  EXPECT_EQ(first.consumed, 29);
-}
-
-TEST_F(LabelLayoutTest, MarkerEndsTheLineAndALineTakesAtMostAThousandCharacters) {
-  const WrappedLine next = NextLine(canvas, "one" + kMarker + "two three", 500);
-  EXPECT_EQ(next.consumed, 4);
-  EXPECT_EQ(next.line, "one");
-  EXPECT_EQ(NextLine(canvas, std::string(1500, 'i'), 1 << 30).consumed, kMaxLineCharacters);
+  const struct {
+    std::string text;
+    int32_t width, consumed;
+    std::string line;
+  } cases[] = {{text, width("alpha beta ") + 1, 11, "alpha beta"},
+               {text, width("alpha beta "), 6, "alpha"},
+               {"Antidisestablishmentarianism is long", 20, 29, "Antidisestablishmentarianism"},
+               {"one" + kMarker + "two three", 500, 4, "one"},
+               {std::string(1500, 'i'), 1 << 30, kMaxLineCharacters, std::string(1000, 'i')}};
+  for (const auto& c : cases) {
+    const WrappedLine next = NextLine(canvas, c.text, c.width);
+    EXPECT_EQ(next.consumed, c.consumed) << c.text.substr(0, 40) << " in " << c.width;
+    EXPECT_EQ(next.line, c.line);
+  }
 }
 
 // ---- DrawWrapped ------------------------------------------------------------
