@@ -12,7 +12,6 @@ namespace velt {
 namespace {
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
-constexpr int kColorDigits = 6;
 
 std::string hexText(uint64_t value) {
   std::string text;
@@ -36,15 +35,8 @@ int32_t blendChannel(int32_t a, int32_t b, int32_t weight) {
   return static_cast<int32_t>(rounded);
 }
 
-int hexValue(char digit) {
-  return digit <= '9' ? digit - '0' : digit - 'A' + 10;
-}
-
-// The 16-bit value of the hex text "&H" + pair + "00": the pair shifted left by
-// eight, carried in a signed field.
-int16_t vertexChannel(const char* pair) {
-  const auto value = static_cast<uint16_t>((hexValue(pair[0]) * 16 + hexValue(pair[1])) << 8);
-  return static_cast<int16_t>(value);
+int16_t vertexChannel(uint32_t byte) {
+  return static_cast<int16_t>(static_cast<uint16_t>(byte << 8));
 }
 
 }  // namespace
@@ -71,17 +63,12 @@ VertexColor ColorToVertexColor(OLE_COLOR Color) {
     throw Error(errOverflow,
                 "ColorToVertexColor: colour &H" + hexText(Color) + " has more than six hex digits");
   }
-  // BBGGRR, upper case, padded with zeros on the left.
-  char digits[kColorDigits];
-  OLE_COLOR rest = Color;
-  for (int i = kColorDigits - 1; i >= 0; --i) {
-    digits[i] = kHexDigits[rest % 16];
-    rest /= 16;
-  }
+  // Reading the padded hex text BBGGRR pair by pair as "&H" + pair + "00" is
+  // the pair's byte shifted left by eight, kept as a signed 16-bit field.
   VertexColor vertex;
-  vertex.Red = vertexChannel(digits + 4);
-  vertex.Green = vertexChannel(digits + 2);
-  vertex.Blue = vertexChannel(digits + 0);
+  vertex.Red = vertexChannel(Color & 0xFFu);
+  vertex.Green = vertexChannel((Color >> 8) & 0xFFu);
+  vertex.Blue = vertexChannel(Color >> 16);
   return vertex;
 }
 

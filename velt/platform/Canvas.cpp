@@ -1,6 +1,7 @@
 #include "velt/platform/Canvas.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -49,6 +50,14 @@ T ceilDiv(T n, T d) {  // d > 0
 
 int64_t absolute(int64_t v) {
   return v < 0 ? -v : v;
+}
+
+// Rows of a face are a few hundred bytes: unrolled vector stores keep the
+// loop overhead below the stores themselves.
+void fillPixels(uint32_t* pixels, int64_t count, uint32_t rgb) {
+#pragma GCC unroll 4
+  for (int64_t i = 0; i < count; ++i)
+    pixels[i] = rgb;
 }
 
 size_t indexOf(int64_t x, int64_t y, int32_t width) {
@@ -123,20 +132,70 @@ class ShortRamp {
         base_{from.Red * len, from.Green * len, from.Blue * len},
         delta_{to.Red - from.Red, to.Green - from.Green, to.Blue - from.Blue} {}
 
-  uint32_t pixel(int32_t p) const {
-    uint32_t pixel = 0;
-    for (int channel = 0; channel < 3; ++channel) {
-      const int32_t num = base_[channel] + delta_[channel] * p;
-      int32_t q = static_cast<int32_t>(static_cast<float>(num) * inverse_);
-      const int32_t r = num - q * den_;
-      q += static_cast<int32_t>(r >= den_) - static_cast<int32_t>(r < 0);
-      pixel |= static_cast<uint32_t>(q) << (16 - 8 * channel);
+  void fill(int32_t p0, int32_t count, uint32_t* out) const {
+    for (int32_t i = 0; i < count; ++i) {
+      const int32_t p = p0 + i;
+      uint32_t pixel = 0;
+      for (int channel = 0; channel < 3; ++channel) {
+        const int32_t num = base_[channel] + delta_[channel] * p;
+        int32_t q = static_cast<int32_t>(static_cast<float>(num) * inverse_);
+        const int32_t r = num - q * den_;
+        q += static_cast<int32_t>(r >= den_) - static_cast<int32_t>(r < 0);
+        pixel |= static_cast<uint32_t>(q) << (16 - 8 * channel);
+      }
+      out[i] = pixel;
     }
-    return pixel;
   }
 
  private:
   int32_t den_;
+  float inverse_;
+  int32_t base_[3];
+  int32_t delta_[3];
+};
+
+// The ramp between two 8-bit colours (every channel a multiple of 256, as
+// the painting routines pass them): value(p) = floor((c0*len + d*p) / len)
+// with c0, d the 8-bit start and step. Numerators stay below 2^23, so the
+// quotient's product with len and the remainder are exact in float. The
+// reciprocal is rounded down, so the estimate is never above the quotient and
+// at most one below it: one comparison corrects it. No integer product, no
+// division: the loop vectorises to a few float operations per pixel.
+class ByteRamp {
+ public:
+  static bool Fits(const TriVertex& from, const TriVertex& to) {
+    return ((from.Red | from.Green | from.Blue | to.Red | to.Green | to.Blue) & 0xFF) == 0;
+  }
+
+  ByteRamp(const TriVertex& from, const TriVertex& to, int32_t len)
+      : len_(static_cast<float>(len)),
+        inverse_(std::nextafter(1.0f / len_, 0.0f)),
+        base_{(from.Red >> 8) * len, (from.Green >> 8) * len, (from.Blue >> 8) * len},
+        delta_{(to.Red >> 8) - (from.Red >> 8), (to.Green >> 8) - (from.Green >> 8),
+               (to.Blue >> 8) - (from.Blue >> 8)} {}
+
+  void fill(int32_t p0, int32_t count, uint32_t* out) const {
+    int32_t red = base_[0] + delta_[0] * p0;
+    int32_t green = base_[1] + delta_[1] * p0;
+    int32_t blue = base_[2] + delta_[2] * p0;
+    for (int32_t i = 0; i < count; ++i) {
+      out[i] = (channel(red) << 16) | (channel(green) << 8) | channel(blue);
+      red += delta_[0];
+      green += delta_[1];
+      blue += delta_[2];
+    }
+  }
+
+ private:
+  uint32_t channel(int32_t numerator) const {
+    const auto n = static_cast<float>(numerator);
+    float q = static_cast<float>(static_cast<int32_t>(n * inverse_));
+    const float r = n - q * len_;
+    q += r >= len_ ? 1.0f : 0.0f;
+    return static_cast<uint32_t>(static_cast<int32_t>(q));
+  }
+
+  float len_;
   float inverse_;
   int32_t base_[3];
   int32_t delta_[3];
@@ -148,6 +207,53 @@ void copyRowDown(uint32_t* pixels, int32_t width, Range xs, Range ys) {
   const size_t bytes = static_cast<size_t>(xs.size()) * sizeof(uint32_t);
   for (int64_t row = ys.begin + 1; row < ys.end; ++row)
     std::memcpy(pixels + indexOf(xs.begin, row, width), first, bytes);
+}
+
+template <typename Ramp>
+void paintShortRamp(const Ramp& ramp, int32_t p0, bool horizontal, uint32_t* pixels,
+                    int32_t width, Range xs, Range ys) {
+  uint32_t* row = pixels + indexOf(xs.begin, ys.begin, width);
+  const auto count = static_cast<int32_t>(xs.size());
+  if (horizontal) {
+    ramp.fill(p0, count, row);
+    copyRowDown(pixels, width, xs, ys);
+    return;
+  }
+  // One colour a row: the colours of a run of rows are computed together (so
+  // that they vectorise), then each row is filled; one-pixel edges on their own.
+  constexpr int32_t kRun = 256;
+  uint32_t colors[kRun];
+  const auto rows = static_cast<int32_t>(ys.size());
+  for (int32_t done = 0; done < rows;) {
+    const int32_t run = std::min(kRun, rows - done);
+    ramp.fill(p0 + done, run, colors);
+    if (count == 1) {
+      for (int32_t i = 0; i < run; ++i, row += width)
+        *row = colors[i];
+    } else {
+      for (int32_t i = 0; i < run; ++i, row += width)
+        fillPixels(row, count, colors[i]);
+    }
+    done += run;
+  }
+}
+
+void paintLongRamp(ColorRamp ramp, bool horizontal, uint32_t* pixels, int32_t width, Range xs,
+                   Range ys) {
+  uint32_t* row = pixels + indexOf(xs.begin, ys.begin, width);
+  const auto count = static_cast<size_t>(xs.size());
+  if (horizontal) {
+    for (size_t i = 0; i < count; ++i) {
+      row[i] = ramp.pixel();
+      ramp.step();
+    }
+    copyRowDown(pixels, width, xs, ys);
+    return;
+  }
+  for (int64_t y = ys.begin; y < ys.end; ++y, row += width) {
+    std::fill_n(row, count, ramp.pixel());
+    ramp.step();
+  }
 }
 
 // A line seen along its major axis: step i moves the major coordinate by one and
@@ -303,6 +409,7 @@ void Canvas::Resize(int32_t width, int32_t height) {
     std::vector<uint32_t> fresh(static_cast<size_t>(width) * static_cast<size_t>(height),
                                 pixelOf(backColor_));
     pixels_.swap(fresh);
+    pendingTop_ = pendingBottom_ = 0;
   } catch (const std::bad_alloc&) {
     throw Error(errOutOfMemory, "Out of memory for a canvas of " + size + " pixels");
   } catch (const std::length_error&) {
@@ -314,7 +421,7 @@ void Canvas::Resize(int32_t width, int32_t height) {
 
 void Canvas::BackColor(OLE_COLOR color) {
   backColor_ = color;
-  std::fill(pixels_.begin(), pixels_.end(), pixelOf(color));
+  eraseAll(pixelOf(color));
 }
 
 void Canvas::ForeColor(OLE_COLOR color) {
@@ -322,9 +429,46 @@ void Canvas::ForeColor(OLE_COLOR color) {
 }
 
 void Canvas::Clear() {
-  std::fill(pixels_.begin(), pixels_.end(), pixelOf(backColor_));
+  eraseAll(pixelOf(backColor_));
   currentX_ = 0;
   currentY_ = 0;
+}
+
+void Canvas::eraseAll(uint32_t rgb) {
+  pendingTop_ = 0;
+  pendingBottom_ = height_;
+  pendingPixel_ = rgb;
+}
+
+void Canvas::settle() const {
+  if (pendingTop_ >= pendingBottom_) return;
+  fillPixels(pixels_.data() + indexOf(0, pendingTop_, width_),
+             int64_t{pendingBottom_ - pendingTop_} * width_, pendingPixel_);
+  pendingTop_ = pendingBottom_ = 0;
+}
+
+// About to paint rows [top, bottom): a full-width paint that covers the first
+// or last pending rows takes them off the list; otherwise pending rows it
+// touches are written out first.
+void Canvas::prepareRows(int64_t top, int64_t bottom, bool fullWidth) {
+  if (pendingTop_ >= pendingBottom_ || bottom <= pendingTop_ || top >= pendingBottom_) return;
+  if (fullWidth && top <= pendingTop_) {
+    pendingTop_ = static_cast<int32_t>(std::min<int64_t>(bottom, pendingBottom_));
+  } else if (fullWidth && bottom >= pendingBottom_) {
+    pendingBottom_ = static_cast<int32_t>(std::max<int64_t>(top, pendingTop_));
+  } else {
+    settle();
+  }
+}
+
+const uint32_t* Canvas::Pixels() const {
+  settle();
+  return pixels_.data();
+}
+
+uint32_t* Canvas::Pixels() {
+  settle();
+  return pixels_.data();
 }
 
 void Canvas::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
@@ -333,7 +477,33 @@ void Canvas::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
 
 void Canvas::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2, OLE_COLOR color) {
   if (pixels_.empty()) return;
+  if (y1 == y2 || x1 == x2) {
+    straightLine(x1, y1, x2, y2, pixelOf(color));
+    return;
+  }
+  settle();
   drawLine(pixels_.data(), width_, height_, x1, y1, x2, y2, pixelOf(color));
+}
+
+// Edges and separators are nearly all level or upright: the pixels from the
+// start point up to, not including, the end point, without the general
+// stepping.
+void Canvas::straightLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t rgb) {
+  const auto span = [](int64_t from, int64_t to) {
+    return from <= to ? Range{from, to} : Range{to + 1, from + 1};
+  };
+  const bool level = y1 == y2;
+  const Range xs = intersect(level ? span(x1, x2) : Range{x1, int64_t{x1} + 1}, {0, width_});
+  const Range ys = intersect(level ? Range{y1, int64_t{y1} + 1} : span(y1, y2), {0, height_});
+  if (xs.empty() || ys.empty()) return;
+  prepareRows(ys.begin, ys.end, xs.size() == width_);
+  uint32_t* at = pixels_.data() + indexOf(xs.begin, ys.begin, width_);
+  if (level) {
+    fillPixels(at, xs.size(), rgb);
+    return;
+  }
+  for (int64_t y = ys.begin; y < ys.end; ++y, at += width_)
+    *at = rgb;
 }
 
 void Canvas::PSet(int32_t x, int32_t y) {
@@ -342,16 +512,18 @@ void Canvas::PSet(int32_t x, int32_t y) {
 
 void Canvas::PSet(int32_t x, int32_t y, OLE_COLOR color) {
   if (x < 0 || y < 0 || x >= width_ || y >= height_) return;
+  settle();
   pixels_[indexOf(x, y, width_)] = pixelOf(color);
 }
 
 int32_t Canvas::Point(int32_t x, int32_t y) const {
   if (x < 0 || y < 0 || x >= width_ || y >= height_) return -1;
-  return static_cast<int32_t>(PixelToOle(pixels_[indexOf(x, y, width_)]));
+  return static_cast<int32_t>(PixelToOle(PixelRGB(x, y)));
 }
 
 uint32_t Canvas::PixelRGB(int32_t x, int32_t y) const {
   if (x < 0 || y < 0 || x >= width_ || y >= height_) return 0;
+  if (y >= pendingTop_ && y < pendingBottom_) return pendingPixel_;
   return pixels_[indexOf(x, y, width_)];
 }
 
@@ -359,6 +531,7 @@ void Canvas::FillRect(int32_t x, int32_t y, int32_t width, int32_t height, OLE_C
   const Range xs = intersect({x, int64_t{x} + width}, {0, width_});
   const Range ys = intersect({y, int64_t{y} + height}, {0, height_});
   if (xs.empty() || ys.empty()) return;
+  prepareRows(ys.begin, ys.end, xs.size() == width_);
   const uint32_t rgb = pixelOf(color);
   for (int64_t row = ys.begin; row < ys.end; ++row)
     fillRow(static_cast<int32_t>(row), static_cast<int32_t>(xs.begin), static_cast<int32_t>(xs.end),
@@ -366,7 +539,7 @@ void Canvas::FillRect(int32_t x, int32_t y, int32_t width, int32_t height, OLE_C
 }
 
 void Canvas::fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb) {
-  std::fill_n(pixels_.data() + indexOf(x0, y, width_), x1 - x0, rgb);
+  fillPixels(pixels_.data() + indexOf(x0, y, width_), x1 - x0, rgb);
 }
 
 bool Canvas::GradientFill(std::span<const TriVertex> vertices,
@@ -384,6 +557,7 @@ void Canvas::gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode)
   const Range xs = intersect({std::min(a.x, b.x), std::max(a.x, b.x)}, {0, width_});
   const Range ys = intersect({std::min(a.y, b.y), std::max(a.y, b.y)}, {0, height_});
   if (xs.empty() || ys.empty()) return;
+  prepareRows(ys.begin, ys.end, xs.size() == width_);
 
   // The colour starts at the vertex nearer the origin along the gradient's axis,
   // whichever index the mesh gives it.
@@ -393,40 +567,17 @@ void Canvas::gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode)
   const int64_t len = horizontal ? absolute(int64_t{b.x} - a.x) : absolute(int64_t{b.y} - a.y);
   const int64_t firstOffset = horizontal ? xs.begin - from.x : ys.begin - from.y;
 
-  uint32_t* first = pixels_.data() + indexOf(xs.begin, ys.begin, width_);
-  const auto count = static_cast<size_t>(xs.size());
-  if (len < kShortRampLimit) {
-    const ShortRamp ramp(from, to, static_cast<int32_t>(len));
-    const auto p0 = static_cast<int32_t>(firstOffset);
-    if (horizontal) {
-      for (size_t i = 0; i < count; ++i)
-        first[i] = ramp.pixel(p0 + static_cast<int32_t>(i));
-      copyRowDown(pixels_.data(), width_, xs, ys);
-    } else {
-      // Edges are one pixel wide: a plain loop per row, no call per row.
-      uint32_t* row = first;
-      const auto rows = static_cast<int32_t>(ys.size());
-      for (int32_t i = 0; i < rows; ++i, row += width_) {
-        const uint32_t pixel = ramp.pixel(p0 + i);
-        for (size_t x = 0; x < count; ++x)
-          row[x] = pixel;
-      }
-    }
+  uint32_t* pixels = pixels_.data();
+  if (len >= kShortRampLimit) {
+    paintLongRamp(ColorRamp(from, to, len, firstOffset), horizontal, pixels, width_, xs, ys);
     return;
   }
-  ColorRamp ramp(from, to, len, firstOffset);
-  if (horizontal) {
-    for (size_t i = 0; i < count; ++i) {
-      first[i] = ramp.pixel();
-      ramp.step();
-    }
-    copyRowDown(pixels_.data(), width_, xs, ys);
+  const auto shortLen = static_cast<int32_t>(len);
+  const auto p0 = static_cast<int32_t>(firstOffset);
+  if (ByteRamp::Fits(from, to)) {
+    paintShortRamp(ByteRamp(from, to, shortLen), p0, horizontal, pixels, width_, xs, ys);
   } else {
-    for (int64_t row = ys.begin; row < ys.end; ++row) {
-      fillRow(static_cast<int32_t>(row), static_cast<int32_t>(xs.begin),
-              static_cast<int32_t>(xs.end), ramp.pixel());
-      ramp.step();
-    }
+    paintShortRamp(ShortRamp(from, to, shortLen), p0, horizontal, pixels, width_, xs, ys);
   }
 }
 
@@ -457,6 +608,7 @@ void Canvas::Print(std::string_view text) {
   int64_t y = roundCoordinate(currentY_);
   int32_t printed = 0;
   forEachLine(text, [&](std::string_view line) {
+    settle();
     if (!pixels_.empty() && fitsInt32(x) && fitsInt32(y))
       engine.DrawLine(pixels_.data(), width_, height_, static_cast<int32_t>(x),
                       static_cast<int32_t>(y), rgb, *font_, line);
@@ -471,7 +623,7 @@ void Canvas::Print(std::string_view text) {
 void Canvas::DrawPicture(const Picture& picture, int32_t x, int32_t y, PictureLook look,
                          OLE_COLOR monochromeColor) {
   if (pixels_.empty()) return;
-  uint32_t* pixels = pixels_.data();
+  uint32_t* pixels = Pixels();
   switch (look) {
     case PictureLook::Normal:
       forEachCovered(pixels, width_, height_, picture, x, y, [](uint32_t& dst, uint32_t src) {

@@ -98,17 +98,28 @@ class Canvas {
                    PictureLook look = PictureLook::Normal, OLE_COLOR monochromeColor = 0);
 
   // Raw access for compositing, snapshots and tests.
-  const uint32_t* Pixels() const { return pixels_.data(); }
-  uint32_t* Pixels() { return pixels_.data(); }
+  const uint32_t* Pixels() const;
+  uint32_t* Pixels();
   uint32_t PixelRGB(int32_t x, int32_t y) const;  // 0x00RRGGBB; 0 outside
 
  private:
   void fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb);
   void gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode);
+  void straightLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t rgb);
+  void eraseAll(uint32_t rgb);
+  void settle() const;
+  void prepareRows(int64_t top, int64_t bottom, bool fullWidth);
 
   int32_t width_ = 0;
   int32_t height_ = 0;
-  std::vector<uint32_t> pixels_;
+  // An erase is only recorded: rows [pendingTop_, pendingBottom_) still have
+  // to be set to pendingPixel_. Full-width fills that cover them cancel the
+  // work (a face painted over its cleared background); anything else writes
+  // them out first. Reads see them written, hence mutable.
+  mutable std::vector<uint32_t> pixels_;
+  mutable int32_t pendingTop_ = 0;
+  mutable int32_t pendingBottom_ = 0;
+  uint32_t pendingPixel_ = 0;
   OLE_COLOR backColor_ = 0xFFFFFF;
   OLE_COLOR foreColor_ = 0;
   std::shared_ptr<velt::Font> font_;
