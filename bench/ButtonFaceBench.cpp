@@ -12,8 +12,8 @@
 #include <memory>
 #include <string>
 
+#include "velt/foundation/ButtonFace.hpp"
 #include "velt/foundation/ColorScheme.hpp"
-#include "velt/foundation/Gradients.hpp"
 #include "velt/platform/Canvas.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/Rounding.hpp"
@@ -37,26 +37,20 @@ velt::ColorScheme buttonScheme() {
   return velt::SchemeNormal(0xFFFFFF, 0xC00000, 0xFFFFFF);
 }
 
-// The face and its four edges; the corner pixels keep the face's colours.
+// What the button's repaint draws: the surface cleared, the face with its
+// edges, and the centred caption.
 void paintShading(velt::Canvas& canvas, const velt::ColorScheme& p) {
-  const int32_t w = canvas.ScaleWidth();
-  const int32_t h = canvas.ScaleHeight();
   canvas.Clear();
-  velt::GradientBox3(canvas, 0, 0, w, h, p.FillTop, p.FillMiddle, p.FillBottom, 1);
-  velt::GradientLine(canvas, 1, 0, w - 2, 1, p.EdgeLight, p.EdgeMid);
-  velt::GradientLine(canvas, 0, 1, h - 2, 2, p.EdgeLight, p.EdgeDark);
-  canvas.Line(1, h - 1, w - 1, h - 1, p.EdgeDark);
-  velt::GradientLine(canvas, w - 1, 1, h - 2, 2, p.EdgeMid, p.EdgeDark);
+  velt::PaintButtonFace(canvas, 0xFFFFFF, p);
 }
 
 void paintButton(velt::Canvas& canvas, const velt::ColorScheme& p) {
   paintShading(canvas, p);
   const double w = canvas.ScaleWidth();
   const double h = canvas.ScaleHeight();
-  canvas.ForeColor(p.Text);
-  canvas.CurrentX(static_cast<float>(velt::Fix(w / 2 - canvas.TextWidth(kCaption) / 2.0)));
-  canvas.CurrentY(static_cast<float>(velt::Fix(h / 2 - canvas.TextHeight(kCaption) / 2.0)));
-  canvas.Print(kCaption);
+  velt::PrintCaption(
+      canvas, static_cast<float>(velt::Fix(w / 2 - canvas.TextWidth(kCaption) / 2.0)),
+      static_cast<float>(velt::Fix(h / 2 - canvas.TextHeight(kCaption) / 2.0)), kCaption, p.Text);
 }
 
 // cairo wants 0..1 channels; OLE colours keep red in the low byte.

@@ -1,15 +1,12 @@
 #include "apps/velt/RunCommand.hpp"
 
-#include <fstream>
 #include <memory>
-#include <sstream>
+#include <vector>
 
 #include "apps/velt/FormEvents.hpp"
 #include "apps/velt/RunOptions.hpp"
 #include "apps/velt/RunSession.hpp"
 #include "apps/velt/ScriptCommand.hpp"
-#include "apps/velt/ScriptError.hpp"
-#include "apps/velt/ScriptParser.hpp"
 #include "apps/velt/ScriptRunner.hpp"
 #include "apps/velt/WindowShot.hpp"
 #include "velt/controls/ControlRegistry.hpp"
@@ -20,20 +17,8 @@
 
 namespace velt::tool {
 
-namespace {
-
-constexpr const char* kStandardInputName = "standard input";
-
-// Raised when there is no display for the window: not the user's mistake.
-class NoDisplay : public Error {
- public:
-  using Error::Error;
-};
-
-}  // namespace
-
 RunCommand::RunCommand(std::ostream& out, std::ostream& err, std::istream& in)
-    : out_(out), err_(err), in_(in) {}
+    : ScriptedCommand("run", out, err, in) {}
 
 const char* RunCommand::Usage() {
   return R"(usage: velt run FORM.json [--events] [--out FILE.png] [--save OUT.json]
@@ -70,25 +55,13 @@ running, 1 no display for a window, or an unexpected failure.
 )";
 }
 
-int RunCommand::Run(std::span<const std::string> arguments) {
-  try {
-    return run(RunOptions::Parse(arguments));
-  } catch (const ScriptError& error) {
-    return fail(error.what(), kBadInput);
-  } catch (const NoDisplay& error) {
-    return fail(error.Description(), kFailure);
-  } catch (const Error& error) {
-    return fail(error.Description(), kBadInput);
-  } catch (const std::exception& error) {
-    return fail(std::string("unexpected failure: ") + error.what(), kFailure);
-  } catch (...) {
-    return fail("unexpected failure", kFailure);
-  }
+int RunCommand::execute(std::span<const std::string> arguments) {
+  return run(RunOptions::Parse(arguments));
 }
 
 int RunCommand::run(const RunOptions& options) {
   if (options.Help) {
-    out_ << Usage();
+    out() << Usage();
     return kOk;
   }
   const FormFile file = FormFile::Load(options.Form, ControlRegistry::Standard());
@@ -104,7 +77,7 @@ int RunCommand::runHeadless(const RunOptions& options, const FormFile& file) {
   runner.Check(script);
 
   std::unique_ptr<FormEvents> events;
-  if (options.Events) events = std::make_unique<FormEvents>(session.HostForm(), out_);
+  if (options.Events) events = std::make_unique<FormEvents>(session.HostForm(), out());
   runner.Run(script);
   if (options.Out) session.WritePng(*options.Out);
   if (options.Save) {
@@ -119,36 +92,19 @@ int RunCommand::runWindow(const RunOptions& options, const FormFile& file) {
   try {
     system = std::make_shared<SdlWindowSystem>();
   } catch (const Error& error) {
-    throw NoDisplay(error.Number(), "no display for a window (" + error.Description() +
-                                        "); velt run --headless runs the form without one");
+    // Not the user's mistake, so not kBadInput.
+    return fail("no display for a window (" + error.Description() +
+                    "); velt run --headless runs the form without one",
+                kFailure);
   }
   std::unique_ptr<Form> form = file.CreateForm(system, ControlRegistry::Standard());
   CentreOnScreen(*form);
   std::unique_ptr<FormEvents> events;
-  if (options.Events) events = std::make_unique<FormEvents>(*form, out_);
+  if (options.Events) events = std::make_unique<FormEvents>(*form, out());
   system->Run();
   if (options.Out) WriteWindowShot(*system, *options.Out);
   if (options.Save) FormFile::Capture(*form, file.ImageLists).Save(*options.Save);
   return kOk;
-}
-
-std::vector<ScriptCommand> RunCommand::readScript(const std::string& input, std::string& source) {
-  std::ostringstream text;
-  if (input == "-") {
-    source = kStandardInputName;
-    text << in_.rdbuf();
-  } else {
-    source = input;
-    std::ifstream file(input, std::ios::binary);
-    if (!file) throw Error(errFileNotFound, "cannot open the input script \"" + input + "\"");
-    text << file.rdbuf();
-  }
-  return ScriptParser::Parse(text.str(), source);
-}
-
-int RunCommand::fail(const std::string& message, int status) {
-  err_ << "velt run: " << message << std::endl;
-  return status;
 }
 
 }  // namespace velt::tool

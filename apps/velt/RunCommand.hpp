@@ -4,7 +4,8 @@
 #include <ostream>
 #include <span>
 #include <string>
-#include <vector>
+
+#include "apps/velt/ScriptedCommand.hpp"
 
 namespace velt {
 
@@ -13,7 +14,6 @@ class FormFile;
 namespace tool {
 
 struct RunOptions;
-struct ScriptCommand;
 
 // `velt run`: a form file's form in a window until the user closes it, or
 // headless with an input script played. It can write a PNG of the form at
@@ -22,29 +22,17 @@ struct ScriptCommand;
 // mistake writes nothing. Exit status: 0 done, 2 bad usage, a bad form file
 // or script or an error while running, 1 no display for a window or anything
 // unexpected. Messages go to err, starting with "velt run: ".
-class RunCommand {
+class RunCommand : public ScriptedCommand {
  public:
-  static constexpr int kOk = 0;
-  static constexpr int kFailure = 1;
-  static constexpr int kBadInput = 2;
-
   RunCommand(std::ostream& out, std::ostream& err, std::istream& in);
-
-  // The arguments after the word "run".
-  int Run(std::span<const std::string> arguments);
 
   static const char* Usage();
 
  private:
+  int execute(std::span<const std::string> arguments) override;
   int run(const RunOptions& options);
   int runHeadless(const RunOptions& options, const FormFile& file);
   int runWindow(const RunOptions& options, const FormFile& file);
-  std::vector<ScriptCommand> readScript(const std::string& input, std::string& source);
-  int fail(const std::string& message, int status);
-
-  std::ostream& out_;
-  std::ostream& err_;
-  std::istream& in_;
 };
 
 }  // namespace tool

@@ -1,15 +1,11 @@
 #include "apps/velt/SnapCommand.hpp"
 
-#include <fstream>
-#include <memory>
 #include <optional>
-#include <sstream>
+#include <vector>
 
 #include "apps/velt/EventPrinter.hpp"
 #include "apps/velt/PropertyArgument.hpp"
 #include "apps/velt/ScriptCommand.hpp"
-#include "apps/velt/ScriptError.hpp"
-#include "apps/velt/ScriptParser.hpp"
 #include "apps/velt/ScriptRunner.hpp"
 #include "apps/velt/SnapOptions.hpp"
 #include "apps/velt/SnapSession.hpp"
@@ -19,14 +15,8 @@
 
 namespace velt::tool {
 
-namespace {
-
-constexpr const char* kStandardInputName = "standard input";
-
-}  // namespace
-
 SnapCommand::SnapCommand(std::ostream& out, std::ostream& err, std::istream& in)
-    : out_(out), err_(err), in_(in) {}
+    : ScriptedCommand("snap", out, err, in) {}
 
 const char* SnapCommand::Usage() {
   return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--item ITEM]...
@@ -101,23 +91,13 @@ Exit status: 0 done, 2 bad usage, property, script or an error while running,
 )";
 }
 
-int SnapCommand::Run(std::span<const std::string> arguments) {
-  try {
-    return run(SnapOptions::Parse(arguments));
-  } catch (const ScriptError& error) {
-    return fail(error.what(), kBadInput);
-  } catch (const Error& error) {
-    return fail(error.Description(), kBadInput);
-  } catch (const std::exception& error) {
-    return fail(std::string("unexpected failure: ") + error.what(), kFailure);
-  } catch (...) {
-    return fail("unexpected failure", kFailure);
-  }
+int SnapCommand::execute(std::span<const std::string> arguments) {
+  return run(SnapOptions::Parse(arguments));
 }
 
 int SnapCommand::run(const SnapOptions& options) {
   if (options.Help) {
-    out_ << Usage();
+    out() << Usage();
     return kOk;
   }
   if (options.List) {
@@ -140,7 +120,7 @@ int SnapCommand::run(const SnapOptions& options) {
   runner.Check(script);
 
   std::optional<EventPrinter> printer;
-  if (options.Events) printer.emplace(session.ControlSite(), out_);
+  if (options.Events) printer.emplace(session.ControlSite(), out());
   for (const PropertyArgument& property : properties)
     session.SetProperty(property);
   session.AddMenuItems(options.Items);
@@ -151,7 +131,7 @@ int SnapCommand::run(const SnapOptions& options) {
 
 void SnapCommand::listControls() {
   for (const std::string& name : ControlRegistry::Standard().CreatableNames())
-    out_ << name << '\n';
+    out() << name << '\n';
 }
 
 const ControlClass& SnapCommand::creatableClass(const std::string& name) const {
@@ -163,25 +143,6 @@ const ControlClass& SnapCommand::creatableClass(const std::string& name) const {
     throw Error(errInvalidProcedureCall,
                 controlClass->Name() + " is a part of other controls, not created on its own");
   return *controlClass;
-}
-
-std::vector<ScriptCommand> SnapCommand::readScript(const std::string& input, std::string& source) {
-  std::ostringstream text;
-  if (input == "-") {
-    source = kStandardInputName;
-    text << in_.rdbuf();
-  } else {
-    source = input;
-    std::ifstream file(input, std::ios::binary);
-    if (!file) throw Error(errFileNotFound, "cannot open the input script \"" + input + "\"");
-    text << file.rdbuf();
-  }
-  return ScriptParser::Parse(text.str(), source);
-}
-
-int SnapCommand::fail(const std::string& message, int status) {
-  err_ << "velt snap: " << message << std::endl;
-  return status;
 }
 
 }  // namespace velt::tool

@@ -4,7 +4,8 @@
 #include <ostream>
 #include <span>
 #include <string>
-#include <vector>
+
+#include "apps/velt/ScriptedCommand.hpp"
 
 namespace velt {
 
@@ -12,7 +13,6 @@ class ControlClass;
 
 namespace tool {
 
-struct ScriptCommand;
 struct SnapOptions;
 
 // `velt snap`: one control on a headless form, its properties set, an input
@@ -21,29 +21,17 @@ struct SnapOptions;
 // nothing. Exit status: 0 done, 2 bad usage, input or an error of the library
 // while running, 1 anything unexpected. Messages go to err, starting with
 // "velt snap: ".
-class SnapCommand {
+class SnapCommand : public ScriptedCommand {
  public:
-  static constexpr int kOk = 0;
-  static constexpr int kFailure = 1;
-  static constexpr int kBadInput = 2;
-
   SnapCommand(std::ostream& out, std::ostream& err, std::istream& in);
-
-  // The arguments after the word "snap".
-  int Run(std::span<const std::string> arguments);
 
   static const char* Usage();
 
  private:
+  int execute(std::span<const std::string> arguments) override;
   int run(const SnapOptions& options);
   void listControls();
   const ControlClass& creatableClass(const std::string& name) const;
-  std::vector<ScriptCommand> readScript(const std::string& input, std::string& source);
-  int fail(const std::string& message, int status);
-
-  std::ostream& out_;
-  std::ostream& err_;
-  std::istream& in_;
 };
 
 }  // namespace tool

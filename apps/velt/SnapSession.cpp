@@ -1,8 +1,7 @@
 #include "apps/velt/SnapSession.hpp"
 
-#include <algorithm>
+#include <memory>
 
-#include "apps/velt/FocusSink.hpp"
 #include "apps/velt/PropertyArgument.hpp"
 #include "velt/controls/ControlClass.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
@@ -11,7 +10,6 @@
 #include "velt/host/Site.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
-#include "velt/platform/Png.hpp"
 
 namespace velt::tool {
 
@@ -19,35 +17,13 @@ namespace {
 
 constexpr const char* kSinkName = "veltSnapFocusSink";
 
-SizeL screenFor(SizeL control) {
-  return SizeL{std::max(SnapSession::kMinScreenWidth, control.width + 1),
-               std::max(SnapSession::kMinScreenHeight, control.height + 1)};
-}
-
-Canvas crop(const Canvas& image, const RectL& rect) {
-  const int32_t left = std::clamp(rect.Left, 0, image.ScaleWidth());
-  const int32_t top = std::clamp(rect.Top, 0, image.ScaleHeight());
-  const int32_t right = std::clamp(rect.Right, left, image.ScaleWidth());
-  const int32_t bottom = std::clamp(rect.Bottom, top, image.ScaleHeight());
-  Canvas result(right - left, bottom - top);
-  for (int32_t y = top; y < bottom; ++y) {
-    const uint32_t* from = image.Pixels() + static_cast<size_t>(y) * image.ScaleWidth() + left;
-    std::copy(from, from + (right - left),
-              result.Pixels() + static_cast<size_t>(y - top) * result.ScaleWidth());
-  }
-  return result;
-}
-
 }  // namespace
 
 SnapSession::SnapSession(const ControlClass& controlClass, SizeL size, bool wholeScreen)
-    : class_(controlClass), wholeScreen_(wholeScreen) {
-  const SizeL screen = screenFor(size);
-  system_ = std::make_shared<HeadlessWindowSystem>(screen.width, screen.height);
-  system_->SetCursor(screen.width - 1, screen.height - 1);
-  form_ = std::make_unique<Form>(system_, "Form1", size.width, size.height);
-  site_ = &form_->AddControl(controlClass.Create(), controlClass.Name() + "1", 0, 0, size.width,
-                             size.height);
+    : HeadlessSession(size, kSinkName), class_(controlClass), wholeScreen_(wholeScreen) {
+  adoptForm(std::make_unique<Form>(system(), "Form1", size.width, size.height));
+  site_ = &HostForm().AddControl(controlClass.Create(), controlClass.Name() + "1", 0, 0, size.width,
+                                 size.height);
 }
 
 SnapSession::~SnapSession() = default;
@@ -57,19 +33,8 @@ UserControl& SnapSession::Control() {
 }
 
 Canvas SnapSession::Snapshot() {
-  Canvas screen = system_->CompositeScreen();
-  if (wholeScreen_) return screen;
-  return crop(screen, site_->WindowRect());
-}
-
-void SnapSession::WritePng(const std::string& path) {
-  const Canvas image = Snapshot();
-  Png::WriteRGB(path, image.Pixels(), image.ScaleWidth(), image.ScaleHeight());
-}
-
-PointL SnapSession::Origin() const {
-  const RectL form = form_->WindowRect();
-  return PointL{form.Left, form.Top};
+  if (wholeScreen_) return System().CompositeScreen();
+  return screenPart(site_->WindowRect());
 }
 
 void SnapSession::CheckProperty(const PropertyArgument& argument) const {
@@ -82,11 +47,6 @@ void SnapSession::SetProperty(const PropertyArgument& argument) {
 
 void SnapSession::Focus() {
   site_->SetFocus();
-}
-
-void SnapSession::Blur() {
-  if (!sink_) sink_ = &form_->AddControl(std::make_shared<FocusSink>(), kSinkName, 0, 0, 0, 0);
-  sink_->SetFocus();
 }
 
 veltPUMenu* SnapSession::menu() const {

@@ -6,11 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
 
+#include "support/ExpectError.hpp"
 #include "support/HeadlessForm.hpp"
 #include "support/Pixels.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
@@ -26,44 +26,30 @@ const ControlRegistry& registry() {
   return ControlRegistry::Standard();
 }
 
-int errorNumberOf(const std::function<void()>& action, std::string* message = nullptr) {
-  try {
-    action();
-  } catch (const Error& error) {
-    if (message) *message = error.Description();
-    return error.Number();
-  }
-  return 0;
+bool mentions(const std::string& message, const std::string& what) {
+  return message.find(what) != std::string::npos;
 }
 
-TEST(ControlRegistryTest, ListsOnlyCreatableClassesAndKeepsPartsInternal) {
+// Parts (veltXButton) are known but not created on their own; names are
+// matched in any letter case, and unknown ones are errors naming them.
+TEST(ControlRegistryTest, CreatesCreatableClassesByNameInAnyLetterCase) {
   const auto names = registry().CreatableNames();
   EXPECT_NE(std::find(names.begin(), names.end(), "veltButton"), names.end());
   EXPECT_EQ(std::find(names.begin(), names.end(), "veltXButton"), names.end());
-
-  std::string message;
-  EXPECT_EQ(errorNumberOf([] { registry().Create("veltXButton"); }, &message), 5);
-  EXPECT_NE(message.find("veltXButton"), std::string::npos) << message;
   ASSERT_NE(registry().Find("veltXButton"), nullptr);
   EXPECT_FALSE(registry().Find("veltXButton")->Creatable());
-}
+  EXPECT_TRUE(mentions(test::errorOf(5, [] { registry().Create("veltXButton"); }), "veltXButton"));
 
-TEST(ControlRegistryTest, UnknownNamesAreErrorsNamingThem) {
-  EXPECT_EQ(registry().Find("veltNothing"), nullptr);
-  std::string message;
-  EXPECT_EQ(errorNumberOf([] { registry().Create("veltNothing"); }, &message), 5);
-  EXPECT_NE(message.find("veltNothing"), std::string::npos) << message;
-  EXPECT_EQ(
-      errorNumberOf([] { registry().ClassNamed("veltButton").PropertyNamed("Shape"); }, &message),
-      5);
-  EXPECT_NE(message.find("Shape"), std::string::npos) << message;
-}
-
-TEST(ControlRegistryTest, CreatesTheClassNamedInAnyLetterCase) {
   const std::shared_ptr<UserControl> control = registry().Create("VELTBUTTON");
   ASSERT_NE(std::dynamic_pointer_cast<veltButton>(control), nullptr);
   EXPECT_EQ(registry().ClassNamed("veltbutton").DefaultSize(), (SizeL{100, 30}));
   EXPECT_EQ(&registry().ClassOf(*control), registry().Find("veltButton"));
+
+  EXPECT_EQ(registry().Find("veltNothing"), nullptr);
+  EXPECT_TRUE(mentions(test::errorOf(5, [] { registry().Create("veltNothing"); }), "veltNothing"));
+  EXPECT_TRUE(
+      mentions(test::errorOf(5, [] { registry().ClassNamed("veltButton").PropertyNamed("Shape"); }),
+               "Shape"));
 }
 
 TEST(ControlRegistryTest, EveryCreatableNameMakesAControlOfThatClass) {
@@ -78,9 +64,6 @@ TEST(ControlRegistryTest, EveryCreatableNameMakesAControlOfThatClass) {
     EXPECT_GT(size.width, 0);
     EXPECT_GT(size.height, 0);
   }
-  for (const char* name : {"veltProgressBar", "veltScrollBar", "veltSlider", "veltPUMenu",
-                           "veltLabel", "veltColorPicker", "veltTab"})
-    EXPECT_NE(registry().Find(name), nullptr) << name;
 }
 
 // A value of the property's type that differs from the one given.
@@ -153,6 +136,7 @@ TEST_F(RegistryPropertyTest, ButtonHasItsPropertiesInTableOrder) {
                                              "TabSelectColor", "ImageList", "ImageIndex"}));
 }
 
+// Values of another type are converted on the way in, and come out typed.
 TEST_F(RegistryPropertyTest, SettingGoesThroughTheSetterAndRepaints) {
   const Canvas before = site->Surface();
   buttonClass.SetProperty(*button, "backcolor", Variant(int32_t{0x204080}));
@@ -169,48 +153,35 @@ TEST_F(RegistryPropertyTest, SettingGoesThroughTheSetterAndRepaints) {
   auto font = std::make_shared<Font>("DejaVu Sans", 12.0f);
   buttonClass.SetProperty(*button, "Font", Variant(font));
   EXPECT_EQ(button->Font(), font);
-}
-
-TEST_F(RegistryPropertyTest, GettingReturnsTheTypedValue) {
-  button->TabSelectColor(0x00FF00);
-  const Variant color = buttonClass.GetProperty(*button, "TabSelectColor");
-  EXPECT_EQ(color.Type(), VariantType::Color);
-  EXPECT_EQ(color.ToColor(), 0x00FF00u);
-  EXPECT_EQ(buttonClass.GetProperty(*button, "Caption").ToString(), "veltButton1");
-  EXPECT_EQ(buttonClass.GetProperty(*button, "ImageList").TypeName(), "Nothing");
-}
-
-TEST_F(RegistryPropertyTest, ImageListTakesOnlyImageLists) {
   auto list = std::make_shared<ImageList>();
   buttonClass.SetProperty(*button, "ImageList", Variant(std::shared_ptr<Object>(list)));
   EXPECT_EQ(button->ImageList(), list);
   buttonClass.SetProperty(*button, "ImageList", Variant(nullptr));
-  EXPECT_EQ(button->ImageList(), nullptr);
+  EXPECT_EQ(buttonClass.GetProperty(*button, "ImageList").TypeName(), "Nothing");
 
-  std::string message;
-  EXPECT_EQ(
-      errorNumberOf([&] { buttonClass.SetProperty(*button, "ImageList", Variant("x")); }, &message),
-      13);
-  EXPECT_NE(message.find("veltButton.ImageList"), std::string::npos) << message;
+  button->TabSelectColor(0x00FF00);
+  const Variant color = buttonClass.GetProperty(*button, "TabSelectColor");
+  EXPECT_EQ(color.Type(), VariantType::Color);
+  EXPECT_EQ(color.ToColor(), 0x00FF00u);
 }
 
 TEST_F(RegistryPropertyTest, BadValuesAreErrorsNamingThePropertyAndChangeNothing) {
-  std::string message;
-  EXPECT_EQ(errorNumberOf([&] { buttonClass.SetProperty(*button, "ImageIndex", Variant("abc")); },
-                          &message),
-            13);
-  EXPECT_NE(message.find("veltButton.ImageIndex"), std::string::npos) << message;
-  EXPECT_EQ(
-      errorNumberOf([&] { buttonClass.Convert("ImageIndex", Variant(int32_t{70000})); }, &message),
-      6);
-  EXPECT_NE(message.find("ImageIndex"), std::string::npos) << message;
+  EXPECT_TRUE(mentions(
+      test::errorOf(13, [&] { buttonClass.SetProperty(*button, "ImageIndex", Variant("abc")); }),
+      "veltButton.ImageIndex"));
+  EXPECT_TRUE(mentions(
+      test::errorOf(13, [&] { buttonClass.SetProperty(*button, "ImageList", Variant("x")); }),
+      "veltButton.ImageList"));
+  EXPECT_TRUE(mentions(
+      test::errorOf(6, [&] { buttonClass.Convert("ImageIndex", Variant(int32_t{70000})); }),
+      "ImageIndex"));
   EXPECT_EQ(button->ImageIndex(), 0);
   EXPECT_TRUE(site->ChangedProperties().empty());
 }
 
 TEST_F(RegistryPropertyTest, AControlOfAnotherClassIsRefused) {
   auto glyph = hf.form.Add<veltXButton>("Glyph", 0, 40, 17, 17);
-  EXPECT_EQ(errorNumberOf([&] { buttonClass.SetProperty(*glyph, "Caption", Variant("5")); }), 13);
+  test::errorOf(13, [&] { buttonClass.SetProperty(*glyph, "Caption", Variant("5")); });
   EXPECT_EQ(glyph->Caption(), "Glyph");
   registry().ClassOf(*glyph).SetProperty(*glyph, "Caption", Variant("5"));
   EXPECT_EQ(glyph->Caption(), "5");

@@ -8,6 +8,8 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "apps/velt/EventPrinter.hpp"
 #include "support/HeadlessForm.hpp"
@@ -24,30 +26,28 @@ TEST(EventLineTest, NameThenArgumentsSeparatedBySingleSpaces) {
   EXPECT_EQ(EventLine::Format("Click", {}), "Click");
 }
 
-TEST(EventLineTest, NumbersWithoutTrailingZeros) {
-  EXPECT_EQ(EventLine::FormatValue(Variant(0.25f)), "0.25");
-  EXPECT_EQ(EventLine::FormatValue(Variant(-3.0f)), "-3");
-  EXPECT_EQ(EventLine::FormatValue(Variant(0.1f)), "0.1");  // not 0.100000001
-  EXPECT_EQ(EventLine::FormatValue(Variant(2.5)), "2.5");
-  EXPECT_EQ(EventLine::FormatValue(Variant(int32_t{-70000})), "-70000");
-  EXPECT_EQ(EventLine::FormatValue(Variant(int16_t{-1})), "-1");
-  EXPECT_EQ(EventLine::FormatValue(Variant::Color(0x8000000F)), "2147483663");
-}
-
-TEST(EventLineTest, BooleansEmptyAndObjects) {
-  EXPECT_EQ(EventLine::FormatValue(Variant(true)), "True");
-  EXPECT_EQ(EventLine::FormatValue(Variant(false)), "False");
-  EXPECT_EQ(EventLine::FormatValue(Variant()), "Empty");
-  EXPECT_EQ(EventLine::FormatValue(Variant(nullptr)), "Nothing");
-  EXPECT_EQ(EventLine::FormatValue(Variant(std::shared_ptr<Object>(std::make_shared<ImageList>()))),
-            "Object");
-}
-
-TEST(EventLineTest, StringsInJsonQuotesWithEscapes) {
-  EXPECT_EQ(EventLine::FormatValue(Variant("plain")), "\"plain\"");
-  EXPECT_EQ(EventLine::FormatValue(Variant("say \"hi\"\\now")), R"("say \"hi\"\\now")");
-  EXPECT_EQ(EventLine::FormatValue(Variant("tab\there\nline\x01")), R"("tab\there\nline\u0001")");
-  EXPECT_EQ(EventLine::FormatValue(Variant("Grüße")), "\"Grüße\"");
+// Numbers without trailing zeros (0.1f is not 0.100000001), True/False,
+// strings in JSON quotes.
+TEST(EventLineTest, EachKindOfValue) {
+  const std::vector<std::pair<Variant, std::string>> cases = {
+      {Variant(0.25f), "0.25"},
+      {Variant(-3.0f), "-3"},
+      {Variant(0.1f), "0.1"},
+      {Variant(2.5), "2.5"},
+      {Variant(int32_t{-70000}), "-70000"},
+      {Variant(int16_t{-1}), "-1"},
+      {Variant::Color(0x8000000F), "2147483663"},
+      {Variant(true), "True"},
+      {Variant(false), "False"},
+      {Variant(), "Empty"},
+      {Variant(nullptr), "Nothing"},
+      {Variant(std::shared_ptr<Object>(std::make_shared<ImageList>())), "Object"},
+      {Variant("plain"), "\"plain\""},
+      {Variant("say \"hi\"\\now"), R"("say \"hi\"\\now")"},
+      {Variant("tab\there\nline\x01"), R"("tab\there\nline\u0001")"},
+      {Variant("Grüße"), "\"Grüße\""}};
+  for (const auto& [value, text] : cases)
+    EXPECT_EQ(EventLine::FormatValue(value), text);
   EXPECT_EQ(EventLine::Quote("bad \xff byte"), "\"bad \xef\xbf\xbd byte\"");
 }
 

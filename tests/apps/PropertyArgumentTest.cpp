@@ -7,7 +7,10 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "support/ExpectError.hpp"
 #include "support/HeadlessForm.hpp"
 #include "velt/controls/ControlRegistry.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
@@ -23,40 +26,31 @@ namespace {
   return ::testing::AssertionFailure() << value.TypeName() << " " << value.ToString();
 }
 
-int32_t errorNumberOf(const std::function<void()>& action, std::string* message = nullptr) {
-  try {
-    action();
-  } catch (const Error& error) {
-    if (message) *message = error.Description();
-    return error.Number();
-  }
-  return 0;
-}
+using test::errorOf;
 
-TEST(PropertyArgumentTest, IntegersInDecimalAndBothHexNotations) {
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("42"), 42));
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("-7"), -7));
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("&HFF"), 255));
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("&hffff"), 65535));  // not the 16-bit -1
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("0x0096E7"), 0x0096E7));
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("0XC00000"), 0xC00000));
+TEST(PropertyArgumentTest, IntegersInDecimalAndBothHexNotationsThatFitALong) {
+  // &hffff is 65535, not the 16-bit -1.
+  const std::vector<std::pair<const char*, int32_t>> cases = {{"42", 42},
+                                                              {"-7", -7},
+                                                              {"&HFF", 255},
+                                                              {"&hffff", 65535},
+                                                              {"0x0096E7", 0x0096E7},
+                                                              {"0XC00000", 0xC00000},
+                                                              {"2147483647", 2147483647}};
+  for (const auto& [text, value] : cases)
+    EXPECT_TRUE(IsLong(PropertyArgument::ParseValue(text), value)) << text;
   // A system colour keeps its bit pattern.
   EXPECT_EQ(PropertyArgument::ParseValue("&H8000000F").ToColor(), 0x8000000Fu);
-  EXPECT_TRUE(IsLong(PropertyArgument::ParseValue("2147483647"), 2147483647));
-}
-
-TEST(PropertyArgumentTest, IntegersThatDoNotFitOverflow) {
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("2147483648"); }), 6);
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("&H100000000"); }), 6);
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::ParseValue("99999999999999999999999"); }), 6);
+  for (const char* text : {"2147483648", "&H100000000", "99999999999999999999999"})
+    errorOf(6, [&] { PropertyArgument::ParseValue(text); });
 }
 
 TEST(PropertyArgumentTest, BooleansAndText) {
-  const Variant yes = PropertyArgument::ParseValue("True");
-  EXPECT_EQ(yes.Type(), VariantType::Boolean);
-  EXPECT_TRUE(yes.ToBoolean());
-  EXPECT_FALSE(PropertyArgument::ParseValue("FALSE").ToBoolean());
-  EXPECT_EQ(PropertyArgument::ParseValue("FALSE").Type(), VariantType::Boolean);
+  for (const char* text : {"True", "FALSE"}) {
+    const Variant value = PropertyArgument::ParseValue(text);
+    EXPECT_EQ(value.Type(), VariantType::Boolean);
+    EXPECT_EQ(value.ToBoolean(), text[0] == 'T');
+  }
   for (const char* text : {"Hello world", "8.25", "&H", "0xZZ", "", "-", "+5", " 5", "Truely"}) {
     const Variant value = PropertyArgument::ParseValue(text);
     EXPECT_EQ(value.Type(), VariantType::String) << text;
@@ -71,12 +65,11 @@ TEST(PropertyArgumentTest, NameAndValueSplitAtTheFirstEquals) {
   EXPECT_EQ(argument.Value().ToString(), "a=b");
   EXPECT_EQ(PropertyArgument::Parse("Caption=").Value().ToString(), "");
 
-  std::string message;
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("Caption"); }, &message), 5);
-  EXPECT_NE(message.find("Caption"), std::string::npos);
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("=5"); }), 5);
-  EXPECT_EQ(errorNumberOf([] { PropertyArgument::Parse("ImageIndex=4294967296"); }, &message), 6);
-  EXPECT_NE(message.find("ImageIndex"), std::string::npos);
+  EXPECT_NE(errorOf(5, [] { PropertyArgument::Parse("Caption"); }).find("Caption"),
+            std::string::npos);
+  errorOf(5, [] { PropertyArgument::Parse("=5"); });
+  EXPECT_NE(errorOf(6, [] { PropertyArgument::Parse("ImageIndex=4294967296"); }).find("ImageIndex"),
+            std::string::npos);
 }
 
 TEST(PropertyArgumentTest, FontsByNameSizeAndStyles) {
@@ -91,11 +84,10 @@ TEST(PropertyArgumentTest, FontsByNameSizeAndStyles) {
   EXPECT_TRUE(plain->Underline());
   EXPECT_TRUE(plain->Strikethrough());
 
-  for (const char* bad : {"", ",9", "Mono", "Mono,big", "Mono,0", "Mono,9,heavy"}) {
-    std::string message;
-    EXPECT_EQ(errorNumberOf([&] { PropertyArgument::ParseFont(bad); }, &message), 380) << bad;
-    EXPECT_NE(message.find("font"), std::string::npos) << message;
-  }
+  for (const char* bad : {"", ",9", "Mono", "Mono,big", "Mono,0", "Mono,9,heavy"})
+    EXPECT_NE(errorOf(380, [&] { PropertyArgument::ParseFont(bad); }).find("font"),
+              std::string::npos)
+        << bad;
 }
 
 class ApplyPropertyTest : public ::testing::Test {
@@ -111,13 +103,10 @@ class ApplyPropertyTest : public ::testing::Test {
 };
 
 TEST_F(ApplyPropertyTest, EveryKindOfButtonPropertyFromText) {
-  apply("BackColor=&H204080");
-  apply("ForeColor=0xFF");
-  apply("TabSelectColor=255");
-  apply("Caption=OK then");
-  apply("ImageIndex=2");
-  apply("Enabled=False");
-  apply("Font=DejaVu Sans,10,bold");
+  for (const char* text :
+       {"BackColor=&H204080", "ForeColor=0xFF", "TabSelectColor=255", "Caption=OK then",
+        "ImageIndex=2", "Enabled=False", "Font=DejaVu Sans,10,bold"})
+    apply(text);
   EXPECT_EQ(button->BackColor(), 0x204080u);
   EXPECT_EQ(button->ForeColor(), 0xFFu);
   EXPECT_EQ(button->TabSelectColor(), 255u);
@@ -141,9 +130,7 @@ TEST_F(ApplyPropertyTest, MistakesNameThePropertyAndLeaveItAsItWas) {
        {Case{"Colour=5", 5, "Colour"}, Case{"ImageIndex=abc", 13, "ImageIndex"},
         Case{"ImageIndex=40000", 6, "ImageIndex"}, Case{"Enabled=maybe", 13, "Enabled"},
         Case{"ImageList=list1", 13, "ImageList"}, Case{"Font=DejaVu Sans", 380, "Font"}}) {
-    std::string message;
-    EXPECT_EQ(errorNumberOf([&] { apply(c.text); }, &message), c.number) << c.text;
-    EXPECT_NE(message.find(c.named), std::string::npos) << message;
+    EXPECT_NE(errorOf(c.number, [&] { apply(c.text); }).find(c.named), std::string::npos) << c.text;
   }
   EXPECT_EQ(button->ImageIndex(), 0);
   EXPECT_TRUE(button->Enabled());

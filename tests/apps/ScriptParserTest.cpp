@@ -29,50 +29,49 @@ std::string problemOf(const std::string& line) {
   return "";
 }
 
-TEST(ScriptParserTest, PointerCommands) {
-  ScriptCommand move = only("move 12 -3");
-  EXPECT_EQ(move.Verb, ScriptVerb::Move);
-  EXPECT_EQ(move.X, 12);
-  EXPECT_EQ(move.Y, -3);
-  ScriptCommand down = only("down 2 &H10 0x20");
-  EXPECT_EQ(down.Verb, ScriptVerb::Down);
-  EXPECT_EQ(down.Button, 2);
-  EXPECT_EQ(down.X, 16);
-  EXPECT_EQ(down.Y, 32);
-  ScriptCommand up = only("up 4 1 2");
-  EXPECT_EQ(up.Verb, ScriptVerb::Up);
-  EXPECT_EQ(up.Button, 4);
-  ScriptCommand click = only("CLICK 5 6");
-  EXPECT_EQ(click.Verb, ScriptVerb::Click);
-  EXPECT_EQ(click.X, 5);
-  EXPECT_EQ(click.Y, 6);
-}
-
-TEST(ScriptParserTest, MenuTakesAPointAndNothingMore) {
-  ScriptCommand menu = only("Menu 10 &H14");
-  EXPECT_EQ(menu.Verb, ScriptVerb::Menu);
-  EXPECT_EQ(menu.X, 10);
-  EXPECT_EQ(menu.Y, 20);
-  EXPECT_NE(problemOf("menu 10").find("menu needs menu X Y"), std::string::npos)
-      << problemOf("menu 10");
-  EXPECT_NE(problemOf("menu 1 2 3").find("\"3\""), std::string::npos) << problemOf("menu 1 2 3");
-  EXPECT_NE(problemOf("menu a 2").find("X \"a\""), std::string::npos) << problemOf("menu a 2");
-}
-
-TEST(ScriptParserTest, KeyCommands) {
-  ScriptCommand keyDown = only("keydown 65 3");
-  EXPECT_EQ(keyDown.Verb, ScriptVerb::KeyDown);
-  EXPECT_EQ(keyDown.Code, 65);
-  EXPECT_EQ(keyDown.Shift, 3);
-  ScriptCommand keyUp = only("keyup 16");
-  EXPECT_EQ(keyUp.Verb, ScriptVerb::KeyUp);
-  EXPECT_EQ(keyUp.Shift, ScriptCommand::kShiftAsHeld);
-  EXPECT_EQ(only("key 13").Verb, ScriptVerb::Key);
-  EXPECT_EQ(only("key 13").Code, 13);
-  ScriptCommand character = only("char 228");
-  EXPECT_EQ(character.Verb, ScriptVerb::Char);
-  EXPECT_EQ(character.Code, 228);
-  EXPECT_EQ(only("char 65535").Code, -1);  // the 16-bit pattern
+// The fields a command's verb uses; verbs are matched in any letter case and
+// numbers may be written &H or 0x hexadecimal.
+TEST(ScriptParserTest, EachCommandFillsItsFields) {
+  struct Case {
+    const char* line;
+    ScriptVerb verb;
+    std::vector<int64_t> numbers;  // X Y Button Code Shift Milliseconds
+    std::string argument = "";
+  };
+  constexpr int64_t held = ScriptCommand::kShiftAsHeld;
+  const std::vector<Case> cases = {
+      {"move 12 -3", ScriptVerb::Move, {12, -3, 0, 0, held, 0}},
+      {"down 2 &H10 0x20", ScriptVerb::Down, {16, 32, 2, 0, held, 0}},
+      {"up 4 1 2", ScriptVerb::Up, {1, 2, 4, 0, held, 0}},
+      {"CLICK 5 6", ScriptVerb::Click, {5, 6, 0, 0, held, 0}},
+      {"Menu 10 &H14", ScriptVerb::Menu, {10, 20, 0, 0, held, 0}},
+      {"keydown 65 3", ScriptVerb::KeyDown, {0, 0, 0, 65, 3, 0}},
+      {"keyup 16", ScriptVerb::KeyUp, {0, 0, 0, 16, held, 0}},
+      {"key 13", ScriptVerb::Key, {0, 0, 0, 13, held, 0}},
+      {"char 228", ScriptVerb::Char, {0, 0, 0, 228, held, 0}},
+      {"char 65535", ScriptVerb::Char, {0, 0, 0, -1, held, 0}},  // the 16-bit pattern
+      {"wait 250", ScriptVerb::Wait, {0, 0, 0, 0, held, 250}},
+      {"focus", ScriptVerb::Focus, {0, 0, 0, 0, held, 0}},
+      {"Blur", ScriptVerb::Blur, {0, 0, 0, 0, held, 0}},
+      {"prop Caption=Hello there  # greeting",
+       ScriptVerb::Prop,
+       {0, 0, 0, 0, held, 0},
+       "Caption=Hello there"},
+      {R"(prop "Caption=#1")", ScriptVerb::Prop, {0, 0, 0, 0, held, 0}, "Caption=#1"},
+      {"shot out dir/after click.png",
+       ScriptVerb::Shot,
+       {0, 0, 0, 0, held, 0},
+       "out dir/after click.png"},
+  };
+  for (const Case& c : cases) {
+    const ScriptCommand command = only(c.line);
+    EXPECT_EQ(command.Verb, c.verb) << c.line;
+    EXPECT_EQ((std::vector<int64_t>{command.X, command.Y, command.Button, command.Code,
+                                    command.Shift, command.Milliseconds}),
+              c.numbers)
+        << c.line;
+    EXPECT_EQ(command.Argument, c.argument) << c.line;
+  }
 }
 
 TEST(ScriptParserTest, TextIsOneCharacterCodePerCharacter) {
@@ -81,20 +80,6 @@ TEST(ScriptParserTest, TextIsOneCharacterCodePerCharacter) {
   EXPECT_EQ(only(R"(text " a#b\t" # quoted)").Characters,
             (std::vector<int16_t>{32, 97, 35, 98, 9}));
   EXPECT_TRUE(only(R"(text "")").Characters.empty());
-}
-
-TEST(ScriptParserTest, ClockFocusPropertiesAndShots) {
-  EXPECT_EQ(only("wait 250").Milliseconds, 250);
-  EXPECT_EQ(only("wait 0").Verb, ScriptVerb::Wait);
-  EXPECT_EQ(only("focus").Verb, ScriptVerb::Focus);
-  EXPECT_EQ(only("Blur").Verb, ScriptVerb::Blur);
-  ScriptCommand prop = only("prop Caption=Hello there  # greeting");
-  EXPECT_EQ(prop.Verb, ScriptVerb::Prop);
-  EXPECT_EQ(prop.Argument, "Caption=Hello there");
-  EXPECT_EQ(only(R"(prop "Caption=#1")").Argument, "Caption=#1");
-  ScriptCommand shot = only("shot out dir/after click.png");
-  EXPECT_EQ(shot.Verb, ScriptVerb::Shot);
-  EXPECT_EQ(shot.Argument, "out dir/after click.png");
 }
 
 TEST(ScriptParserTest, CommentsBlankLinesAndLineEndings) {
@@ -125,28 +110,17 @@ TEST(ScriptParserTest, WrongArgumentsAreProblems) {
   EXPECT_EQ(problemOf("move 1 2 3"), "unexpected \"3\" after move X Y");
   EXPECT_EQ(problemOf("move a 2"), "X \"a\" is not a number");
   EXPECT_EQ(problemOf("move 1 2000000"), "Y 2000000 is outside -1000000..1000000");
+  EXPECT_EQ(problemOf("menu 10"), "menu needs menu X Y");
+  EXPECT_NE(problemOf("menu 1 2 3").find("\"3\""), std::string::npos);
+  EXPECT_NE(problemOf("menu a 2").find("X \"a\""), std::string::npos);
   EXPECT_NE(problemOf("down 3 1 1").find("button \"3\""), std::string::npos);
-  EXPECT_NE(problemOf("up"), "");
-  EXPECT_NE(problemOf("click 1"), "");
-  EXPECT_NE(problemOf("keydown 256"), "");
-  EXPECT_NE(problemOf("keyup 65 8"), "");
-  EXPECT_NE(problemOf("key"), "");
-  EXPECT_NE(problemOf("key 65 1"), "");
-  EXPECT_NE(problemOf("char 65536"), "");
-  EXPECT_NE(problemOf("char -1"), "");
-  EXPECT_NE(problemOf("text"), "");
-  EXPECT_NE(problemOf("text \"open"), "");
-  EXPECT_NE(problemOf("text \"a\" b"), "");
   EXPECT_NE(problemOf("text \xf0\x9f\x98\x80").find("U+1F600"), std::string::npos);
-  EXPECT_NE(problemOf("text \xc3"), "");  // cut UTF-8
-  EXPECT_NE(problemOf("wait -1"), "");
-  EXPECT_NE(problemOf("wait 3600001"), "");
-  EXPECT_NE(problemOf("focus now"), "");
-  EXPECT_NE(problemOf("prop Caption"), "");
-  EXPECT_NE(problemOf("prop =1"), "");
-  EXPECT_NE(problemOf("prop"), "");
-  EXPECT_NE(problemOf("shot"), "");
-  EXPECT_NE(problemOf("shot \"\""), "");
+  for (const char* line : {"up",      "click 1",      "keydown 256",  "keyup 65 8",
+                           "key",     "key 65 1",     "char 65536",   "char -1",
+                           "text",    "text \"open",  "text \"a\" b", "text \xc3" /* cut UTF-8 */,
+                           "wait -1", "wait 3600001", "focus now",    "prop Caption",
+                           "prop =1", "prop",         "shot",         "shot \"\""})
+    EXPECT_NE(problemOf(line), "") << line;
 }
 
 }  // namespace

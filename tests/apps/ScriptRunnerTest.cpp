@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -47,16 +48,14 @@ class ScriptRunnerTest : public ::testing::Test {
   EventPrinter printer;
 };
 
+// The pointer starts off the control, on the screen's bottom-right pixel.
 TEST_F(ScriptRunnerTest, PressesMoveThePointerFirstOnlyWhenItIsElsewhere) {
+  EXPECT_EQ(play("down 1 0 0\nup 1 0 0\n"),
+            "MouseMove 0 0 0 0\nMouseDown 1 0 0 0\nClick\nMouseUp 1 0 0 0\n");
   EXPECT_EQ(play("click 10 10\nclick 10 10\ndown 1 20 12\nup 1 20 12\n"),
             "MouseMove 0 0 10 10\nMouseDown 1 0 10 10\nClick\nMouseUp 1 0 10 10\n"
             "MouseDown 1 0 10 10\nClick\nMouseUp 1 0 10 10\n"
             "MouseMove 0 0 20 12\nMouseDown 1 0 20 12\nClick\nMouseUp 1 0 20 12\n");
-}
-
-TEST_F(ScriptRunnerTest, ThePointerStartsOffTheControl) {
-  EXPECT_EQ(play("down 1 0 0\nup 1 0 0\n"),
-            "MouseMove 0 0 0 0\nMouseDown 1 0 0 0\nClick\nMouseUp 1 0 0 0\n");
 }
 
 TEST_F(ScriptRunnerTest, KeysTypeTheirCharacterAndModifiersStayHeld) {
@@ -69,25 +68,33 @@ TEST_F(ScriptRunnerTest, KeysTypeTheirCharacterAndModifiersStayHeld) {
             "KeyUp 17 0\nKeyPress 228\nKeyPress 97\nKeyPress 34\n");
 }
 
+// Shift 1, Ctrl 2, Alt 4: Ctrl+C is 3, 100 the numeric keypad's 4; Shift (16),
+// the left arrow (37), F1 (112) and keys with Alt or Ctrl+Space type nothing.
 TEST(ScriptRunnerKeysTest, CharactersOfAUsKeyboard) {
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('A'), 'a');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('Z', 1), 'Z');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('C', 2), 3);  // Ctrl+C
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('A', 4), std::nullopt);
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('1'), '1');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('1', 1), '!');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey('0', 1), ')');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(32), 32);
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(13), 13);
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(8), 8);
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(100), '4');  // numeric keypad
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(107), '+');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(186), ';');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(222, 1), '"');
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(16), std::nullopt);   // Shift
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(37), std::nullopt);   // left arrow
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(112), std::nullopt);  // F1
-  EXPECT_EQ(ScriptRunner::CharacterOfKey(32, 2), std::nullopt);
+  struct Case {
+    int16_t key, shift;
+    std::optional<int16_t> character;
+  };
+  const auto none = std::nullopt;
+  for (const Case& c : std::vector<Case>{{'A', 0, 'a'},
+                                         {'Z', 1, 'Z'},
+                                         {'C', 2, 3},
+                                         {'A', 4, none},
+                                         {'1', 0, '1'},
+                                         {'1', 1, '!'},
+                                         {'0', 1, ')'},
+                                         {32, 0, 32},
+                                         {13, 0, 13},
+                                         {8, 0, 8},
+                                         {100, 0, '4'},
+                                         {107, 0, '+'},
+                                         {186, 0, ';'},
+                                         {222, 1, '"'},
+                                         {16, 0, none},
+                                         {37, 0, none},
+                                         {112, 0, none},
+                                         {32, 2, none}})
+    EXPECT_EQ(ScriptRunner::CharacterOfKey(c.key, c.shift), c.character) << c.key << "/" << c.shift;
 }
 
 TEST_F(ScriptRunnerTest, WaitMovesTheClockAndFiresTimersOnTheWay) {

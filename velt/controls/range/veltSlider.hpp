@@ -5,6 +5,7 @@
 #include <string>
 
 #include "velt/controls/range/MyOrientation.hpp"
+#include "velt/controls/range/RangeModel.hpp"
 #include "velt/foundation/ColorScheme.hpp"
 #include "velt/foundation/FrameProperties.hpp"
 #include "velt/foundation/HoverTracker.hpp"
@@ -82,12 +83,12 @@ class veltSlider : public UserControl, public std::enable_shared_from_this<veltS
   // Min stays below Max: a Min at or above Max becomes Max - 1, a Max at or
   // below Min becomes Min + 1, and Value is pulled into the range. Error 6 when
   // that neighbour does not exist.
-  int32_t Min() const { return min_; }
+  int32_t Min() const { return range_.Min(); }
   void Min(int32_t value);
-  int32_t Max() const { return max_; }
+  int32_t Max() const { return range_.Max(); }
   void Max(int32_t value);
   // Not checked against the range: a value outside it stays as set.
-  int32_t Value() const { return value_; }
+  int32_t Value() const { return range_.Value(); }
   void Value(int32_t value);
 
   // Events, in the order of the event interface.
@@ -131,6 +132,9 @@ class veltSlider : public UserControl, public std::enable_shared_from_this<veltS
   bool sited() const { return host_ != nullptr; }
   ControlHost& host() const;  // error 91 while not sited
   void notifyChanged(const char* name);
+  void restyle(const char* name);
+  void relayout(const char* name);
+  void rangeChanged(const char* name, bool valueMoved);
   bool vertical() const { return orientation_ == pbVertical; }
   int32_t length() const;  // along the groove, pixels
   void syncFont(Canvas& surface) const;
@@ -160,9 +164,7 @@ class veltSlider : public UserControl, public std::enable_shared_from_this<veltS
   OLE_COLOR tabSelectColor_ = kDefaultTabSelectColor;
   MyOrientation orientation_ = pbHorizontal;
   TickStyles tickStyle_ = Tick_None;
-  int32_t min_ = kDefaultMin;
-  int32_t max_ = kDefaultMax;
-  int32_t value_ = kDefaultValue;
+  RangeModel range_{"veltSlider", RangeModel::Width::Any, kDefaultMin, kDefaultMax, kDefaultValue};
   ColorScheme palette_;
   SliderState state_ = ssRest;
   int32_t hasFocus_ = 0;
