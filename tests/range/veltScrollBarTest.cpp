@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -373,6 +374,14 @@ TEST_F(veltScrollBarTest, PropertiesRoundTripInTableOrderAndStoredRangesAreCorre
   hf.form.AddControl(fixed, "Fixed", 300, 0, 17, 200, &inverted);
   EXPECT_EQ(fixed->Max(), 61);
   EXPECT_EQ(fixed->Value(), 60);
+
+  PropertyBag extremes;
+  extremes.WriteProperty("Min", Variant(std::numeric_limits<int32_t>::max()));
+  extremes.WriteProperty("Max", Variant(std::numeric_limits<int32_t>::min()));
+  const std::string message = errorOf(errOverflow, [&] {
+    hf.form.AddControl(std::make_shared<veltScrollBar>(), "Extremes", 300, 0, 17, 200, &extremes);
+  });
+  EXPECT_NE(message.find("no range fits"), std::string::npos) << message;
 }
 
 }  // namespace

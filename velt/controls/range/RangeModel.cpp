@@ -56,10 +56,13 @@ void RangeModel::Reset(int32_t min, int32_t max, int32_t value) {
 
 void RangeModel::Load(int32_t min, int32_t max, int32_t value) {
   if (max <= min) {
-    if (min == kLongMax)
+    if (min != kLongMax)
+      max = min + 1;
+    else if (max != kLongMin)
       min = max - 1;
     else
-      max = min + 1;
+      throw Error(errOverflow, owner_ + ".ReadProperties: no range fits Min " +
+                                   std::to_string(min) + " and Max " + std::to_string(max));
   }
   checkWidth(min, max, "ReadProperties");
   Reset(min, max, std::clamp(value, min, max));
