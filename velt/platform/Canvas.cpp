@@ -52,11 +52,21 @@ int64_t absolute(int64_t v) {
   return v < 0 ? -v : v;
 }
 
-// Rows of a face are a few hundred bytes: unrolled vector stores keep the
-// loop overhead below the stores themselves.
+// Rows of a face are a few hundred bytes: sixteen pixels an iteration in
+// generic vector stores keep the loop's own work below the stores'.
 void fillPixels(uint32_t* pixels, int64_t count, uint32_t rgb) {
-#pragma GCC unroll 4
-  for (int64_t i = 0; i < count; ++i)
+  using Quad = uint32_t __attribute__((vector_size(4 * sizeof(uint32_t))));
+  const Quad quad = {rgb, rgb, rgb, rgb};
+  int64_t i = 0;
+  for (; i + 16 <= count; i += 16) {
+    std::memcpy(pixels + i, &quad, sizeof quad);
+    std::memcpy(pixels + i + 4, &quad, sizeof quad);
+    std::memcpy(pixels + i + 8, &quad, sizeof quad);
+    std::memcpy(pixels + i + 12, &quad, sizeof quad);
+  }
+  for (; i + 4 <= count; i += 4)
+    std::memcpy(pixels + i, &quad, sizeof quad);
+  for (; i < count; ++i)
     pixels[i] = rgb;
 }
 
@@ -118,87 +128,110 @@ class ColorRamp {
   ChannelRamp blue_;
 };
 
-// The same ramp for gradients short enough that every numerator fits 31 bits
-// (len < 32768): a float estimate of the quotient is then within 1e-4 of the
-// truth, and one integer correction makes it exact. Each p is computed on its
-// own, with no division and no carried state, so a row of them vectorises.
+// The same ramp for gradients shorter than 32768 pixels, where every numerator
+// fits 31 bits: four neighbouring positions at a time in generic vector lanes
+// (no processor's intrinsics), each lane keeping its quotient and remainder.
+// A step moves all four on by four positions with additions and one compare:
+// exact, no division or multiplication in the loop.
 constexpr int64_t kShortRampLimit = 32768;
+constexpr int32_t kLanes = 4;
+using Lanes = int32_t __attribute__((vector_size(kLanes * sizeof(int32_t))));
 
-class ShortRamp {
+class LaneRamp {
  public:
-  ShortRamp(const TriVertex& from, const TriVertex& to, int32_t len)
+  // The first position is p0. The denominator's reciprocal, taken once, gives
+  // each starting quotient to within one; the remainder check makes it exact.
+  LaneRamp(const TriVertex& from, const TriVertex& to, int32_t len, int32_t p0)
       : den_(len * 256),
-        inverse_(1.0f / static_cast<float>(den_)),
-        base_{from.Red * len, from.Green * len, from.Blue * len},
-        delta_{to.Red - from.Red, to.Green - from.Green, to.Blue - from.Blue} {}
+        inverse_(1.0 / den_),
+        red_(channel(from.Red, to.Red, len, p0)),
+        green_(channel(from.Green, to.Green, len, p0)),
+        blue_(channel(from.Blue, to.Blue, len, p0)) {}
 
-  void fill(int32_t p0, int32_t count, uint32_t* out) const {
-    for (int32_t i = 0; i < count; ++i) {
-      const int32_t p = p0 + i;
-      uint32_t pixel = 0;
-      for (int channel = 0; channel < 3; ++channel) {
-        const int32_t num = base_[channel] + delta_[channel] * p;
-        int32_t q = static_cast<int32_t>(static_cast<float>(num) * inverse_);
-        const int32_t r = num - q * den_;
-        q += static_cast<int32_t>(r >= den_) - static_cast<int32_t>(r < 0);
-        pixel |= static_cast<uint32_t>(q) << (16 - 8 * channel);
-      }
-      out[i] = pixel;
+  // Writes the next count colours and moves on. Only the last call of a ramp
+  // may ask for a count that is not a multiple of four.
+  void fill(int32_t count, uint32_t* out) {
+    int32_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+      const Lanes pixels = current();
+      std::memcpy(out + i, &pixels, sizeof pixels);
+      advance();
     }
+    if (i == count) return;
+    uint32_t tail[kLanes];
+    const Lanes pixels = current();
+    std::memcpy(tail, &pixels, sizeof pixels);
+    std::copy(tail, tail + (count - i), out + i);
   }
 
  private:
+  struct Channel {
+    Lanes q;
+    Lanes r;
+    int32_t stepQ;  // quotient and remainder of four steps
+    int32_t stepR;
+  };
+
+  struct Division {
+    int64_t q;
+    int64_t r;
+  };
+
+  // floor(num / den) and the remainder in [0, den). The truncated estimate is
+  // within one of the quotient; the remainder's range puts it right.
+  Division divide(int64_t num) const {
+    int64_t q = static_cast<int64_t>(static_cast<double>(num) * inverse_);
+    int64_t r = num - q * den_;
+    if (r < 0) {
+      --q;
+      r += den_;
+    } else if (r >= den_) {
+      ++q;
+      r -= den_;
+    }
+    return {q, r};
+  }
+
+  // Lane k starts at position p0 + k; the step is what four positions add.
+  Channel channel(int64_t c0, int64_t c1, int64_t len, int64_t p0) const {
+    const Division one = divide(c1 - c0);
+    Division at = divide(c0 * len + (c1 - c0) * p0);
+    const Division first = at;
+    Channel c{};
+    for (int32_t k = 0; k < kLanes; ++k) {
+      c.q[k] = static_cast<int32_t>(at.q);
+      c.r[k] = static_cast<int32_t>(at.r);
+      at.r += one.r;
+      at.q += one.q + (at.r >= den_ ? 1 : 0);
+      at.r -= at.r >= den_ ? den_ : 0;
+    }
+    Division step{at.q - first.q, at.r - first.r};
+    if (step.r < 0) {
+      --step.q;
+      step.r += den_;
+    }
+    c.stepQ = static_cast<int32_t>(step.q);
+    c.stepR = static_cast<int32_t>(step.r);
+    return c;
+  }
+
+  Lanes current() const { return (red_.q << 16) | (green_.q << 8) | blue_.q; }
+
+  void advance() {
+    const Lanes den = {den_, den_, den_, den_};
+    for (Channel* c : {&red_, &green_, &blue_}) {
+      c->r += c->stepR;
+      const Lanes carry = c->r >= den;  // -1 where the remainder overflowed
+      c->r -= den & carry;
+      c->q += c->stepQ - carry;
+    }
+  }
+
   int32_t den_;
-  float inverse_;
-  int32_t base_[3];
-  int32_t delta_[3];
-};
-
-// The ramp between two 8-bit colours (every channel a multiple of 256, as
-// the painting routines pass them): value(p) = floor((c0*len + d*p) / len)
-// with c0, d the 8-bit start and step. Numerators stay below 2^23, so the
-// quotient's product with len and the remainder are exact in float. The
-// reciprocal is rounded down, so the estimate is never above the quotient and
-// at most one below it: one comparison corrects it. No integer product, no
-// division: the loop vectorises to a few float operations per pixel.
-class ByteRamp {
- public:
-  static bool Fits(const TriVertex& from, const TriVertex& to) {
-    return ((from.Red | from.Green | from.Blue | to.Red | to.Green | to.Blue) & 0xFF) == 0;
-  }
-
-  ByteRamp(const TriVertex& from, const TriVertex& to, int32_t len)
-      : len_(static_cast<float>(len)),
-        inverse_(std::nextafter(1.0f / len_, 0.0f)),
-        base_{(from.Red >> 8) * len, (from.Green >> 8) * len, (from.Blue >> 8) * len},
-        delta_{(to.Red >> 8) - (from.Red >> 8), (to.Green >> 8) - (from.Green >> 8),
-               (to.Blue >> 8) - (from.Blue >> 8)} {}
-
-  void fill(int32_t p0, int32_t count, uint32_t* out) const {
-    int32_t red = base_[0] + delta_[0] * p0;
-    int32_t green = base_[1] + delta_[1] * p0;
-    int32_t blue = base_[2] + delta_[2] * p0;
-    for (int32_t i = 0; i < count; ++i) {
-      out[i] = (channel(red) << 16) | (channel(green) << 8) | channel(blue);
-      red += delta_[0];
-      green += delta_[1];
-      blue += delta_[2];
-    }
-  }
-
- private:
-  uint32_t channel(int32_t numerator) const {
-    const auto n = static_cast<float>(numerator);
-    float q = static_cast<float>(static_cast<int32_t>(n * inverse_));
-    const float r = n - q * len_;
-    q += r >= len_ ? 1.0f : 0.0f;
-    return static_cast<uint32_t>(static_cast<int32_t>(q));
-  }
-
-  float len_;
-  float inverse_;
-  int32_t base_[3];
-  int32_t delta_[3];
+  double inverse_;
+  Channel red_;
+  Channel green_;
+  Channel blue_;
 };
 
 // Repeats the first row of a horizontal gradient on the rows below it.
@@ -209,24 +242,23 @@ void copyRowDown(uint32_t* pixels, int32_t width, Range xs, Range ys) {
     std::memcpy(pixels + indexOf(xs.begin, row, width), first, bytes);
 }
 
-template <typename Ramp>
-void paintShortRamp(const Ramp& ramp, int32_t p0, bool horizontal, uint32_t* pixels,
-                    int32_t width, Range xs, Range ys) {
+void paintShortRamp(LaneRamp ramp, bool horizontal, uint32_t* pixels, int32_t width, Range xs,
+                    Range ys) {
   uint32_t* row = pixels + indexOf(xs.begin, ys.begin, width);
   const auto count = static_cast<int32_t>(xs.size());
   if (horizontal) {
-    ramp.fill(p0, count, row);
+    ramp.fill(count, row);
     copyRowDown(pixels, width, xs, ys);
     return;
   }
-  // One colour a row: the colours of a run of rows are computed together (so
-  // that they vectorise), then each row is filled; one-pixel edges on their own.
-  constexpr int32_t kRun = 256;
+  // One colour a row: the colours of a run of rows are computed together, then
+  // each row is filled; one-pixel edges on their own.
+  constexpr int32_t kRun = 256;  // a multiple of the ramp's lanes
   uint32_t colors[kRun];
   const auto rows = static_cast<int32_t>(ys.size());
   for (int32_t done = 0; done < rows;) {
     const int32_t run = std::min(kRun, rows - done);
-    ramp.fill(p0 + done, run, colors);
+    ramp.fill(run, colors);
     if (count == 1) {
       for (int32_t i = 0; i < run; ++i, row += width)
         *row = colors[i];
@@ -572,13 +604,8 @@ void Canvas::gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode)
     paintLongRamp(ColorRamp(from, to, len, firstOffset), horizontal, pixels, width_, xs, ys);
     return;
   }
-  const auto shortLen = static_cast<int32_t>(len);
-  const auto p0 = static_cast<int32_t>(firstOffset);
-  if (ByteRamp::Fits(from, to)) {
-    paintShortRamp(ByteRamp(from, to, shortLen), p0, horizontal, pixels, width_, xs, ys);
-  } else {
-    paintShortRamp(ShortRamp(from, to, shortLen), p0, horizontal, pixels, width_, xs, ys);
-  }
+  paintShortRamp(LaneRamp(from, to, static_cast<int32_t>(len), static_cast<int32_t>(firstOffset)),
+                 horizontal, pixels, width_, xs, ys);
 }
 
 void Canvas::Font(std::shared_ptr<velt::Font> font) {

@@ -70,6 +70,7 @@ void GlyphCache::Clear() {
     glyph = Glyph{};
   others_.clear();
   coverage_.clear();
+  lanes_.clear();
 }
 
 void GlyphCache::selectSize() {
@@ -144,8 +145,15 @@ Glyph& GlyphCache::load(char32_t codePoint, Glyph& glyph) {
     glyph = SymbolFont::Render(codePoint, pixelSize_, coverage_);
   else
     glyph = renderFromFace(codePoint);
+  appendLanes();
   glyph.ready = true;
   return glyph;
+}
+
+void GlyphCache::appendLanes() {
+  lanes_.reserve(coverage_.size() * kLanesPerPixel);
+  for (size_t i = lanes_.size() / kLanesPerPixel; i < coverage_.size(); ++i)
+    lanes_.insert(lanes_.end(), kLanesPerPixel, coverage_[i]);
 }
 
 bool GlyphCache::loadOutline(char32_t codePoint) {

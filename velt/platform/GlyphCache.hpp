@@ -66,12 +66,19 @@ class GlyphCache {
   }
   // Valid until the next Get that renders a new glyph.
   const uint8_t* Coverage(const Glyph& glyph) const { return coverage_.data() + glyph.offset; }
+  // The same coverage with each value repeated four times, once for each
+  // byte of a pixel, as 16-bit lanes: the form blending loads directly.
+  const uint16_t* CoverageLanes(const Glyph& glyph) const {
+    return lanes_.data() + glyph.offset * kLanesPerPixel;
+  }
+  static constexpr size_t kLanesPerPixel = 4;
 
   // Forgets every rendered glyph (metrics stay).
   void Clear();
 
  private:
   Glyph& load(char32_t codePoint, Glyph& glyph);
+  void appendLanes();
   Glyph renderFromFace(char32_t codePoint);
   bool loadOutline(char32_t codePoint);
   void appendBitmap(const void* bitmap, Glyph& glyph);
@@ -92,6 +99,7 @@ class GlyphCache {
   std::array<Glyph, 128> ascii_{};
   std::unordered_map<char32_t, Glyph> others_;
   std::vector<uint8_t> coverage_;
+  std::vector<uint16_t> lanes_;  // kLanesPerPixel for every coverage byte
 };
 
 }  // namespace velt

@@ -69,38 +69,50 @@ void storePixels(uint32_t* pixels, PairLanes lanes, size_t bytes) {
   std::memcpy(pixels, &packed, bytes);
 }
 
-// Two coverage values, each over the four lanes of its pixel.
-PairLanes blendPair(PairLanes dst, PairLanes color, uint16_t first, uint16_t second) {
-  const PairLanes c{first, first, first, first, second, second, second, second};
+PairLanes blendPair(PairLanes dst, PairLanes color, PairLanes c) {
   const PairLanes t = color * c + dst * (255 - c) + 127;
   return (t + (t >> 8) + 1) >> 8;
 }
 
-void blendRow(uint32_t* pixels, const uint8_t* coverage, int64_t count, uint32_t rgb) {
-  constexpr size_t kPair = 2 * sizeof(uint32_t);
+// The coverage of `pixels` pixels from lanes (four per pixel).
+PairLanes loadCoverage(const uint16_t* lanes, size_t pixels) {
+  PairLanes c{};
+  std::memcpy(&c, lanes, pixels * GlyphCache::kLanesPerPixel * sizeof(uint16_t));
+  return c;
+}
+
+// The text colour in both pixels of a pair.
+PairLanes colorLanes(uint32_t rgb) {
   const uint32_t colors[2] = {rgb, rgb};
-  const PairLanes color = loadPixels(colors, kPair);
+  return loadPixels(colors, sizeof colors);
+}
+
+void blendRow(uint32_t* pixels, const uint16_t* coverage, int64_t count, PairLanes color) {
+  constexpr size_t kPair = 2 * sizeof(uint32_t);
+  constexpr size_t kStride = GlyphCache::kLanesPerPixel;
   int64_t i = 0;
   for (; i + 2 <= count; i += 2) {
     const PairLanes dst = loadPixels(pixels + i, kPair);
-    storePixels(pixels + i, blendPair(dst, color, coverage[i], coverage[i + 1]), kPair);
+    storePixels(pixels + i, blendPair(dst, color, loadCoverage(coverage + i * kStride, 2)), kPair);
   }
   if (i < count) {
     const PairLanes dst = loadPixels(pixels + i, sizeof(uint32_t));
-    storePixels(pixels + i, blendPair(dst, color, coverage[i], 0), sizeof(uint32_t));
+    storePixels(pixels + i, blendPair(dst, color, loadCoverage(coverage + i * kStride, 1)),
+                sizeof(uint32_t));
   }
 }
 
 void blitGlyph(const Surface& surface, int64_t left, int64_t top, const Glyph& glyph,
-               const uint8_t* coverage, uint32_t rgb) {
+               const uint16_t* coverage, PairLanes color) {
   const int64_t x0 = std::max<int64_t>(left, 0);
   const int64_t x1 = std::min<int64_t>(left + glyph.width, surface.width);
   const int64_t y0 = std::max<int64_t>(top, 0);
   const int64_t y1 = std::min<int64_t>(top + glyph.height, surface.height);
   if (x0 >= x1 || y0 >= y1) return;
+  constexpr int64_t kStride = GlyphCache::kLanesPerPixel;
   for (int64_t y = y0; y < y1; ++y)
     blendRow(surface.pixels + y * surface.width + x0,
-             coverage + (y - top) * glyph.width + (x0 - left), x1 - x0, rgb);
+             coverage + ((y - top) * glyph.width + (x0 - left)) * kStride, x1 - x0, color);
 }
 
 void fillBand(const Surface& surface, int64_t left, int64_t right, int64_t top, int32_t rows,
@@ -249,13 +261,15 @@ void TextEngine::DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32
   GlyphCache& cache = *impl_->resolve(font).cache;
   const int64_t baseline = static_cast<int64_t>(y) + cache.Metrics().ascent;
 
+  const PairLanes color = colorLanes(rgb);
   Utf8Reader reader(line);
   int64_t pen = x;
   char32_t codePoint = 0;
   while (reader.Next(codePoint)) {
     const Glyph& glyph = cache.Get(codePoint);
     if (glyph.width > 0)
-      blitGlyph(surface, pen + glyph.left, baseline - glyph.top, glyph, cache.Coverage(glyph), rgb);
+      blitGlyph(surface, pen + glyph.left, baseline - glyph.top, glyph, cache.CoverageLanes(glyph),
+                color);
     pen += glyph.advance;
   }
 
