@@ -1,15 +1,8 @@
-#include "velt/utilities/Search.hpp"
-
 #include <gtest/gtest.h>
 #include <unicode/locid.h>
 #include <unicode/timezone.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "SearchResults.hpp"
-#include "TempTree.hpp"
 #include "velt/platform/Error.hpp"
 
 namespace velt {
@@ -17,215 +10,183 @@ namespace {
 
 using testing::AsSet;
 using testing::Filenames;
-using Names = std::vector<std::string>;
-using NameSet = std::set<std::string>;
+using testing::Names;
+using testing::NameSet;
+using SearchTest = testing::SearchFixture;
 
-class SearchTest : public ::testing::Test {
- protected:
-  std::shared_ptr<sf_Information> files(const std::string& folders, const std::string& patterns,
-                                        FileAttributeSet mask = faNormal) {
-    std::shared_ptr<sf_Information> found;
-    search.Search_File(folders, patterns, mask, found);
-    EXPECT_NE(found, nullptr);
-    return found;
+int32_t errorNumberOf(auto&& call) {
+  try {
+    call();
+  } catch (const Error& error) {
+    return error.Number();
   }
-  std::shared_ptr<sf_Information> folders(const std::string& folders, const std::string& patterns) {
-    std::shared_ptr<sf_Information> found;
-    search.Search_Directory(folders, patterns, found);
-    EXPECT_NE(found, nullptr);
-    return found;
-  }
+  return 0;
+}
 
-  testing::TempTree tree;
-  Search search;
-};
-
-TEST_F(SearchTest, PatternsComeInListOrderEachWithAllItsFiles) {
-  for (const char* name : {"b.txt", "c.log", "a.txt", "d.dat", "e.log", "f.TXT"})
-    tree.File(name);
-  tree.Folder("folder.txt");
-  const auto found = files(tree.Root(), "*.txt;*.log");
+TEST_F(SearchTest, PatternByPatternFolderByFolderAndTheFirstFindOfANameWins) {
+  tree.Make({"one/", "two/", "one/folder.txt/", "one/b.txt", "one/c.log", "one/a.TXT", "two/d.log",
+             "two/e.txt"});
+  tree.File("one/same.txt", 1);
+  tree.File("two/SAME.TXT", 2);
+  const auto found = files(tree.Path("one") + ";" + tree.Path("two"), "*.txt;*.log");
   const Names names = Filenames(found);
-  ASSERT_EQ(names.size(), 5u);
-  EXPECT_EQ(AsSet(Names(names.begin(), names.begin() + 3)), (NameSet{"a.txt", "b.txt", "f.TXT"}));
-  EXPECT_EQ(AsSet(Names(names.begin() + 3, names.end())), (NameSet{"c.log", "e.log"}));
+  ASSERT_EQ(names.size(), 6u);
+  EXPECT_EQ(AsSet({names.begin(), names.begin() + 3}), (NameSet{"a.TXT", "b.txt", "same.txt"}));
+  EXPECT_EQ(Names(names.begin() + 3, names.end()), (Names{"e.txt", "c.log", "d.log"}));
   for (const auto& value : *found) {
-    EXPECT_EQ(value->Path(), tree.Root() + "/");
+    if (value->Filename() != "same.txt") continue;
+    EXPECT_EQ(value->Path() + value->Size(), tree.Path("one/") + "1");
     EXPECT_EQ(value->Attri(), faArchive);
-    EXPECT_EQ(value->Size(), "0");
   }
-  // A folder given with its "/" is not given another.
-  EXPECT_EQ(found->Item(1)->Path(), files(tree.Root() + "/", "*.txt")->Item(1)->Path());
+  // Keyed by name, regardless of case.
+  EXPECT_EQ(errorNumberOf([&] { found->Add("/", "x", "", faNormal, "0", "Same.Txt"); }),
+            errKeyAlreadyExists);
+  // A folder given with its "/" keeps just that one.
+  EXPECT_EQ(Filenames(files(tree.Path("two/"), "e.*;*.txt"), true),
+            (Names{tree.Path("two/e.txt"), tree.Path("two/SAME.TXT")}));
 }
 
 TEST_F(SearchTest, TheMaskAdmitsAndRequiresAttributes) {
-  tree.File("plain", 1);
-  tree.File(".hidden", 2);
+  tree.Make({"plain", ".hidden", "sub/", ".hidden-sub/"});
   tree.File("readonly", 3, 0444);
   tree.File(".hidden-readonly", 4, 0444);
   tree.Fifo("pipe");
-  tree.Folder("sub");
-  tree.Folder(".hidden-sub");
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", faNormal))), (NameSet{"plain", "readonly"}));
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", faHidden))),
-            (NameSet{".hidden", ".hidden-readonly"}));
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", faReadOnly))), NameSet{"readonly"});
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", faHidden | faReadOnly))),
-            NameSet{".hidden-readonly"});
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", faSystem))), NameSet{"pipe"});
-  EXPECT_EQ(Filenames(files(tree.Root(), "*", faDirectory)), Names{});
-  EXPECT_EQ(Filenames(files(tree.Root(), "*", faHidden | faDirectory)), Names{});
-
-  const auto readonly = files(tree.Root(), "readonly", faNormal);
-  ASSERT_EQ(readonly->Count(), 1);
-  EXPECT_EQ(readonly->Item(1)->Attri(), faArchive | faReadOnly);
-  EXPECT_EQ(readonly->Item(1)->Size(), "3");
+  const std::pair<FileAttributeSet, NameSet> cases[] = {
+      {faNormal, {"plain", "readonly"}},
+      {faHidden, {".hidden", ".hidden-readonly"}},
+      {faReadOnly, {"readonly"}},
+      {faHidden | faReadOnly, {".hidden-readonly"}},
+      {faSystem, {"pipe"}},
+      {faHidden | faDirectory, {}},
+  };
+  for (const auto& [mask, expected] : cases)
+    EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*", mask))), expected) << "mask " << mask;
+  const auto readonly = files(tree.Root(), "readonly")->Item(1);
+  EXPECT_EQ(readonly->Attri(), faArchive | faReadOnly);
+  EXPECT_EQ(readonly->Size(), "3");
 }
 
 TEST_F(SearchTest, SearchDirectoryListsFoldersWithoutDotAndDotDot) {
-  tree.Folder("sub");
-  tree.Folder(".hidden");
+  tree.Make({"sub/", ".hidden/", "file"});
   tree.Folder("locked", 0555);
-  tree.File("file");
   tree.Link("link", "sub");
   tree.Link("file-link", "file");
   const auto found = folders(tree.Root(), "*.*");
   EXPECT_EQ(AsSet(Filenames(found)), (NameSet{"sub", ".hidden", "locked", "link"}));
   for (const auto& value : *found) {
-    EXPECT_EQ(value->Size(), "0");
-    EXPECT_EQ(value->Path(), tree.Root() + "/");
-    EXPECT_NE(value->Attri() & faDirectory, 0) << value->Filename();
-    EXPECT_EQ(value->Attri() & faHidden, value->Filename() == ".hidden" ? faHidden : 0);
-    EXPECT_EQ(value->Attri() & faReadOnly, value->Filename() == "locked" ? faReadOnly : 0);
+    const std::string& name = value->Filename();
+    EXPECT_EQ(value->Path() + value->Size(), tree.Root() + "/0");
+    EXPECT_EQ(value->Attri(), faDirectory | (name == ".hidden" ? faHidden : 0) |
+                                  (name == "locked" ? faReadOnly : 0));
   }
   EXPECT_EQ(AsSet(Filenames(folders(tree.Root(), "S*;l*"))), (NameSet{"sub", "locked", "link"}));
-  EXPECT_EQ(Filenames(folders(tree.Root(), ".")), Names{});
+  EXPECT_EQ(folders(tree.Root(), ".")->Count(), 0);
+  EXPECT_EQ(folders(tree.Path("file"), "*")->Count(), 0);
 }
 
-TEST_F(SearchTest, ANameFoundTwiceCountsOnceWithItsFirstFind) {
-  tree.Folder("one");
-  tree.Folder("two");
-  tree.File("one/same.txt", 1);
-  tree.File("two/SAME.TXT", 2);
-  tree.File("two/other.txt", 3);
-  const auto found = files(tree.Path("one") + ";" + tree.Path("two"), "*.txt");
-  ASSERT_EQ(Filenames(found), (Names{"same.txt", "other.txt"}));
-  EXPECT_EQ(found->Item(1)->Path(), tree.Path("one/"));
-  EXPECT_EQ(found->Item(1)->Size(), "1");
-  EXPECT_EQ(found->Item(2)->Path(), tree.Path("two/"));
-
-  // A name two patterns match.
-  EXPECT_EQ(Filenames(files(tree.Path("two"), "other.*;*.txt")).size(), 2u);
-
-  // Results are keyed by name: adding the name again is refused.
-  EXPECT_THROW(found->Add("/", "Same.Txt", "", faNormal, "0", "Same.Txt"), Error);
+TEST_F(SearchTest, NamesKeepTheirBytesAndPatternsMayNameASubfolder) {
+  tree.File("caf\xE9.txt", 1);
+  tree.File("caf\xC9.txt", 2);  // upper case in Latin-1, but another byte here
+  tree.Make({"sub/", "sub/caf\xE9.txt", "sub/only-here.txt"});
+  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*.txt"))), (NameSet{"caf\xE9.txt", "caf\xC9.txt"}));
+  // The names found in sub are looked up in the folder searched.
+  const auto placed = files(tree.Root(), "sub/*.txt");
+  ASSERT_EQ(Filenames(placed, true), Names{tree.Path("caf\xE9.txt")});
+  EXPECT_EQ(placed->Item(1)->Size(), "1");
+  EXPECT_EQ(files(tree.Root(), "/*.txt")->Count(), 2);
+  EXPECT_EQ(Filenames(files(tree.Path("missing") + ";" + tree.Path("sub"), "o*")),
+            Names{"only-here.txt"});
 }
 
-TEST_F(SearchTest, NamesThatAreNotUtf8AreKeptAndKeptApart) {
-  const std::string latin1 = "caf\xE9.txt";
-  const std::string other = "caf\xC9.txt";  // upper case in Latin-1, a different byte here
-  tree.File(latin1);
-  tree.File(other);
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "*.txt"))), (NameSet{latin1, other}));
-}
-
-TEST_F(SearchTest, ListsAreSplitAtTheSeparatorAndTrimmed) {
-  EXPECT_EQ(search.SplitList(" one ; two;three "), (Names{"one", "two", "three"}));
-  EXPECT_EQ(search.SplitList("alone"), Names{"alone"});
-  EXPECT_EQ(search.SplitList(""), Names{""});
-  EXPECT_EQ(search.SplitList(";"), (Names{"", ""}));
-  EXPECT_EQ(search.SplitList("a;;b"), (Names{"a", "", "b"}));
-  EXPECT_EQ(search.SplitList("\tx\t"), Names{"\tx\t"});  // blanks are spaces only
-
-  search.Separator(44);
-  EXPECT_EQ(search.Separator(), 44);
-  EXPECT_EQ(search.SplitList("a;b, c"), (Names{"a;b", "c"}));
-  search.Separator(228);  // ä
-  EXPECT_EQ(search.SplitList("x\xC3\xA4y"), (Names{"x", "y"}));
-  EXPECT_EQ(search.SplitList("x\xC3\xA5y"), Names{"x\xC3\xA5y"});
-
-  tree.Folder("one");
-  tree.Folder("two");
-  tree.File("one/a.txt");
-  tree.File("two/b.log");
-  search.Separator(44);
-  EXPECT_EQ(
-      AsSet(Filenames(files(" " + tree.Path("one") + " , " + tree.Path("two"), "*.txt , *.log"))),
-      (NameSet{"a.txt", "b.log"}));
-}
-
-TEST_F(SearchTest, MissingFoldersFindNothingAndStopNothing) {
-  tree.File("a.txt");
-  const auto none = files(tree.Path("missing"), "*");
-  EXPECT_EQ(none->Count(), 0);
-  EXPECT_EQ(folders(tree.Path("a.txt"), "*")->Count(), 0);
-  EXPECT_EQ(Filenames(files(tree.Path("missing") + ";" + tree.Root(), "*.txt")), Names{"a.txt"});
-}
-
-TEST_F(SearchTest, EnsureSlashAcceptsEitherSlash) {
-  EXPECT_EQ(Search::EnsureSlash("/data"), "/data/");
-  EXPECT_EQ(Search::EnsureSlash("/data/"), "/data/");
-  EXPECT_EQ(Search::EnsureSlash("C:\\data\\"), "C:\\data\\");
-  EXPECT_EQ(Search::EnsureSlash(""), "/");
-}
-
-TEST_F(SearchTest, APatternWithAFolderLooksItsNamesUpInTheSearchedFolder) {
-  tree.Folder("sub");
-  tree.File("x.txt", 1);
-  tree.File("sub/x.txt", 22);
-  tree.File("sub/y.txt", 333);
-  const auto found = files(tree.Root(), "sub/*.txt");
-  ASSERT_EQ(Filenames(found), Names{"x.txt"});
-  EXPECT_EQ(found->Item(1)->Path(), tree.Root() + "/");
-  EXPECT_EQ(found->Item(1)->Size(), "1");
-  EXPECT_EQ(AsSet(Filenames(files(tree.Root(), "/*.txt"))), NameSet{"x.txt"});
-}
-
-TEST_F(SearchTest, TheDefaultInstanceKeepsItsSeparator) {
-  Search& shared = Search::Default();
-  EXPECT_EQ(&shared, &Search::Default());
-  const uint8_t before = shared.Separator();
-  shared.Separator(',');
-  EXPECT_EQ(Search::Default().Separator(), ',');
-  shared.Separator(before);
+TEST_F(SearchTest, ListsAreSplitAtTheSeparatorAndTrimmedOfSpaces) {
+  const std::tuple<uint8_t, std::string, Names> cases[] = {
+      {';', " one ; two;three ", {"one", "two", "three"}},
+      {';', "", {""}},
+      {';', "a;;b", {"a", "", "b"}},
+      {';', "\tx\t", {"\tx\t"}},
+      {',', "a;b, c", {"a;b", "c"}},
+      {228, "x\xC3\xA4y", {"x", "y"}},  // code 228 is "ä"
+      {228, "x\xC3\xA5y", {"x\xC3\xA5y"}},
+  };
+  for (const auto& [separator, text, items] : cases) {
+    search.Separator(separator);
+    EXPECT_EQ(search.SplitList(text), items) << text;
+  }
   EXPECT_EQ(Search().Separator(), ';');
+  tree.Make({"one/", "one/a.txt", "b.log"});
+  search.Separator(',');
+  EXPECT_EQ(AsSet(Filenames(files(" " + tree.Path("one") + " , " + tree.Root(), "*.txt , *.log"))),
+            (NameSet{"a.txt", "b.log"}));
+  for (const auto& [folder, expected] : {std::pair<std::string, std::string>{"/data", "/data/"},
+                                         {"/data/", "/data/"},
+                                         {"C:\\data\\", "C:\\data\\"},
+                                         {"", "/"}})
+    EXPECT_EQ(Search::EnsureSlash(folder), expected);
 }
 
-// The user's locale and time zone, pinned for one test.
+// The user's locale and time zone, pinned for a while.
 class PinnedDateFormat {
  public:
-  PinnedDateFormat(const char* locale, const char* zone)
-      : locale_(icu::Locale::getDefault()), zone_(icu::TimeZone::createDefault()) {
-    UErrorCode status = U_ZERO_ERROR;
-    icu::Locale::setDefault(icu::Locale(locale), status);
+  PinnedDateFormat(const char* locale, const char* zone) {
+    icu::Locale::setDefault(icu::Locale(locale), status_);
     icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone(zone));
   }
   ~PinnedDateFormat() {
-    UErrorCode status = U_ZERO_ERROR;
-    icu::Locale::setDefault(locale_, status);
+    icu::Locale::setDefault(locale_, status_);
     icu::TimeZone::adoptDefault(zone_);
   }
 
  private:
-  icu::Locale locale_;
-  icu::TimeZone* zone_;
+  UErrorCode status_ = U_ZERO_ERROR;
+  icu::Locale locale_ = icu::Locale::getDefault();
+  icu::TimeZone* zone_ = icu::TimeZone::createDefault();
 };
 
-TEST_F(SearchTest, DateTimeIsTheModificationTimeInTheUsersLocale) {
-  tree.File("dated.txt");
-  tree.Folder("dated");
-  // 2021-06-15 12:34:56 UTC modified, accessed a year earlier.
+TEST_F(SearchTest, DateTimeIsWrittenInTheLocaleAndZoneOfTheSearch) {
+  tree.Make({"dated.txt", "dated/"});
+  // Modified 2021-06-15 12:34:56 UTC, accessed a year earlier.
   tree.Times("dated.txt", 1592224496, 1623760496);
   tree.Times("dated", 1592224496, 1623760496);
+  std::vector<std::shared_ptr<sf_InformationValue>> values;
   {
     const PinnedDateFormat pinned("de_DE", "UTC");
-    EXPECT_EQ(files(tree.Root(), "dated.txt")->Item(1)->DateTime(), "15.06.21, 12:34:56");
-    EXPECT_EQ(folders(tree.Root(), "dated")->Item(1)->DateTime(), "15.06.21, 12:34:56");
+    values = {files(tree.Root(), "dated.txt")->Item(1), folders(tree.Root(), "dated")->Item(1),
+              scanFiles(tree.Root(), "dated.txt")->Item(1)};
   }
-  {
-    const PinnedDateFormat pinned("de_DE", "Asia/Tokyo");
-    EXPECT_EQ(files(tree.Root(), "dated.txt")->Item(1)->DateTime(), "15.06.21, 21:34:56");
+  // Read after the zone has changed and the collections have gone.
+  const PinnedDateFormat pinned("de_DE", "Asia/Tokyo");
+  for (const auto& value : values)
+    EXPECT_EQ(value->DateTime(), "15.06.21, 12:34:56") << value->Filename();
+  // A copy outlives what it was copied from.
+  const sf_InformationValue copy = *scanFiles(tree.Root(), "dated.txt")->Item(1);
+  EXPECT_EQ(copy.DateTime(), "15.06.21, 21:34:56");
+  values[0]->DateTime("set");
+  EXPECT_EQ(values[0]->DateTime(), "set");
+}
+
+TEST(sf_InformationTest, AddKeysPositionsAndRemove) {
+  sf_Information results;
+  EXPECT_EQ(errorNumberOf([&] { results.Item(1); }), errSubscriptOutOfRange);
+  const auto first = results.Add("/data/", "a", "01.02.03", faArchive | faReadOnly, "12", "A");
+  EXPECT_EQ((Names{first->Path(), first->Filename(), first->DateTime(), first->Size()}),
+            (Names{"/data/", "a", "01.02.03", "12"}));
+  EXPECT_EQ(first->Attri(), faArchive | faReadOnly);
+  EXPECT_EQ(errorNumberOf([&] { results.Add("/", "b", "", faNormal, "2", "a"); }),
+            errKeyAlreadyExists);
+  for (const char* name : {"b", "c", "c"})  // without a key, names may repeat
+    results.Add("/", name, "", faNormal, "0");
+  for (const int16_t outside : {0, 5, -1}) {
+    EXPECT_EQ(errorNumberOf([&] { results.Item(outside); }), errSubscriptOutOfRange);
+    EXPECT_EQ(errorNumberOf([&] { results.Remove(outside); }), errSubscriptOutOfRange);
   }
+  results.Remove(1);
+  results.Add("/", "A", "", faNormal, "0", "A");  // the removed entry's key is free again
+  Names names;
+  for (const auto& value : results.NewEnum())
+    names.push_back(value->Filename());
+  EXPECT_EQ(names, (Names{"b", "c", "c", "A"}));
+  first->Attrib(faDirectory);
+  EXPECT_EQ(first->Attri(), faDirectory);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "velt/foundation/KeyedCollection.hpp"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -14,11 +16,64 @@ namespace detail {
 
 struct KeyedEntry {
   std::shared_ptr<void> item;
-  // The key as the index holds it (folded when keys ignore case); empty when
-  // the entry has no key.
-  std::string indexKey;
+  union {
+    // The key as the index holds it (folded when keys ignore case), in the
+    // index's own node; nullptr when the entry has no key.
+    const std::string* indexKey = nullptr;
+    // While the entry is unused: the next unused one.
+    KeyedEntry* nextSpare;
+  };
   // 0-based position; right only while below KeyedStore::validPrefix.
   size_t index = 0;
+};
+
+// The entries of one collection, made in blocks of growing size and reused
+// once removed: collections of results grow to hundreds of thousands of
+// entries, and an allocation each would cost more than the rest of Add.
+class EntryPool {
+ public:
+  // An unused entry (no item, no key); the pool keeps owning it.
+  KeyedEntry* Take() {
+    if (spare_ != nullptr) {
+      KeyedEntry* entry = std::exchange(spare_, spare_->nextSpare);
+      entry->indexKey = nullptr;
+      return entry;
+    }
+    if (blocks_.empty() || used_ == blockSize_) addBlock();
+    return &blocks_.back()[used_++];
+  }
+  // Takes an entry back; it must have no item left.
+  void GiveBack(KeyedEntry* entry) noexcept {
+    entry->nextSpare = spare_;
+    spare_ = entry;
+  }
+
+ private:
+  static constexpr size_t kFirstBlock = 8;
+  static constexpr size_t kLargestBlock = 1024;
+
+  void addBlock() {
+    const size_t size = blocks_.empty() ? kFirstBlock : std::min(2 * blockSize_, kLargestBlock);
+    if (blocks_.size() == blocks_.capacity())
+      blocks_.reserve(std::max<size_t>(4, 2 * blocks_.size()));
+    blocks_.push_back(std::make_unique<KeyedEntry[]>(size));
+    blockSize_ = size;
+    used_ = 0;
+  }
+
+  std::vector<std::unique_ptr<KeyedEntry[]>> blocks_;
+  size_t blockSize_ = 0;
+  size_t used_ = 0;
+  KeyedEntry* spare_ = nullptr;
+};
+
+// Matches keys by their text, and finds a text given as a view without
+// making a string of it.
+struct KeyHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view key) const noexcept {
+    return std::hash<std::string_view>()(key);
+  }
 };
 
 struct KeyedStore {
@@ -26,22 +81,25 @@ struct KeyedStore {
       : comparison(keyComparison), ownerName(std::move(name)) {}
   KeyedStore(const KeyedStore&) = delete;
   KeyedStore& operator=(const KeyedStore&) = delete;
-  ~KeyedStore() {
-    for (KeyedEntry* entry : order)
-      delete entry;
+  ~KeyedStore() { releaseItems(order); }
+
+  // Lets go of the items in position order, as single removals would.
+  static void releaseItems(const std::vector<KeyedEntry*>& entries) noexcept {
+    for (KeyedEntry* entry : entries)
+      entry->item.reset();
   }
 
   KeyComparison comparison;
   std::string ownerName;
-  // Owned. Plain pointers, so that inserting in the middle moves them as one
-  // block of memory (a vector of unique_ptr moves them one by one: several
-  // times slower at thousands of entries).
+  // Plain pointers into the pool, so that inserting in the middle moves them
+  // as one block of memory (a vector of the entries themselves would move
+  // them one by one: several times slower at thousands of entries).
   std::vector<KeyedEntry*> order;
-  // Views into the entries' own indexKey, which never move.
-  std::unordered_map<std::string_view, KeyedEntry*> byKey;
+  std::unordered_map<std::string, KeyedEntry*, KeyHash, std::equal_to<>> byKey;
   // Every entry whose stored index is below this is at that index; an entry
   // whose stored index is stale always has one at or above it.
   size_t validPrefix = 0;
+  EntryPool pool;
 };
 
 }  // namespace detail
@@ -100,12 +158,14 @@ size_t indexOf(KeyedStore& store, const KeyedEntry& entry) {
 }
 
 void removeAt(KeyedStore& store, size_t index) {
-  std::unique_ptr<KeyedEntry> entry(store.order[index]);
+  KeyedEntry* entry = store.order[index];
   store.order.erase(store.order.begin() + static_cast<std::ptrdiff_t>(index));
-  if (!entry->indexKey.empty()) store.byKey.erase(entry->indexKey);
+  if (entry->indexKey != nullptr) store.byKey.erase(store.byKey.find(*entry->indexKey));
   store.validPrefix = std::min(store.validPrefix, index);
-  // The entry, and perhaps the last reference to its item, goes only now, when
-  // the collection is whole again.
+  // The item, perhaps its last reference, goes only when the collection is
+  // whole again.
+  const std::shared_ptr<void> item = std::move(entry->item);
+  store.pool.GiveBack(entry);
 }
 
 }  // namespace
@@ -166,23 +226,29 @@ void KeyedCollectionCore::Insert(int32_t position, std::shared_ptr<void> item,
   if (count >= static_cast<size_t>(INT32_MAX))
     throw Error(errOverflow, store.ownerName + ": the collection is full");
 
-  auto entry = std::make_unique<KeyedEntry>();
-  entry->item = std::move(item);
+  std::string indexKey;
   if (!key.empty()) {
-    entry->indexKey = indexKeyOf(store, key);
-    if (store.byKey.contains(entry->indexKey))
+    indexKey = indexKeyOf(store, key);
+    if (store.byKey.contains(indexKey))
       throw Error(errKeyAlreadyExists,
                   store.ownerName + ": the key " + quoted(key) + " is already in use");
   }
   const auto index = static_cast<size_t>(position - 1);
-  entry->index = index;
 
   // Make room first: once the key is indexed, nothing below may throw.
   if (count == store.order.capacity()) store.order.reserve(std::max<size_t>(8, 2 * count));
-  KeyedEntry* stored = entry.get();
-  if (!stored->indexKey.empty()) store.byKey.emplace(stored->indexKey, stored);
-  store.order.insert(store.order.begin() + static_cast<std::ptrdiff_t>(index), stored);
-  entry.release();
+  KeyedEntry* entry = store.pool.Take();
+  if (!indexKey.empty()) {
+    try {
+      entry->indexKey = &store.byKey.emplace(std::move(indexKey), entry).first->first;
+    } catch (...) {
+      store.pool.GiveBack(entry);
+      throw;
+    }
+  }
+  entry->item = std::move(item);
+  entry->index = index;
+  store.order.insert(store.order.begin() + static_cast<std::ptrdiff_t>(index), entry);
 
   const bool appendedToValidOrder = index == count && store.validPrefix == count;
   store.validPrefix = appendedToValidOrder ? count + 1 : std::min(store.validPrefix, index);
@@ -200,13 +266,19 @@ void KeyedCollectionCore::Remove(std::string_view key) {
 void KeyedCollectionCore::Clear() noexcept {
   KeyedStore& store = *store_;
   std::vector<KeyedEntry*> entries;
-  std::unordered_map<std::string_view, KeyedEntry*> keys;
+  std::unordered_map<std::string, KeyedEntry*, detail::KeyHash, std::equal_to<>> keys;
   entries.swap(store.order);
   keys.swap(store.byKey);
   store.validPrefix = 0;
   // The items are released only now, when the collection is already empty.
+  KeyedStore::releaseItems(entries);
+  // Unless the items added anything meanwhile, the memory goes too.
+  if (store.order.empty()) {
+    store.pool = detail::EntryPool();
+    return;
+  }
   for (KeyedEntry* entry : entries)
-    delete entry;
+    store.pool.GiveBack(entry);
 }
 
 KeyedCollectionCore::Iterator KeyedCollectionCore::begin() const {

@@ -22,10 +22,8 @@ class DateTimeText {
   DateTimeText(const DateTimeText&) = delete;
   DateTimeText& operator=(const DateTimeText&) = delete;
 
-  // The text for a moment in seconds since 1970-01-01 UTC. The reference
-  // stays valid until the next call.
-  const std::string& Text(int64_t secondsSinceEpoch) { return *SharedText(secondsSinceEpoch); }
-  // The same text, to be shared by everything made at that moment.
+  // The text for a moment in seconds since 1970-01-01 UTC, to be shared by
+  // everything made at that moment.
   const std::shared_ptr<const std::string>& SharedText(int64_t secondsSinceEpoch);
 
  private:

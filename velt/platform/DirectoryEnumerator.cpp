@@ -160,4 +160,11 @@ bool DirectoryEnumerator::DescribeIn(const FolderHandle& folder, DirectoryEntry&
   return folder.IsOpen() && describeName(folder.NativeHandle(), entry);
 }
 
+bool DirectoryEnumerator::DescribeNamed(const FolderHandle& folder, const char* name,
+                                        DirectoryEntry& entry) {
+  entry.Name = name;
+  entry.Described = false;
+  return folder.IsOpen() && describeName(folder.NativeHandle(), entry);
+}
+
 }  // namespace velt

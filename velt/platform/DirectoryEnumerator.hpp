@@ -58,6 +58,10 @@ class DirectoryEnumerator {
   // The same for the entry's name looked up in another folder instead
   // (always asks the file system).
   bool DescribeIn(const FolderHandle& folder, DirectoryEntry& entry);
+  // Describes the entry called name (a C string) in folder, for an entry
+  // kept after the enumeration moved on; entry.Name becomes name. False when
+  // there is no such entry or the folder is closed.
+  static bool DescribeNamed(const FolderHandle& folder, const char* name, DirectoryEntry& entry);
 
  private:
   bool refill();

@@ -25,12 +25,16 @@ class FoldedNameSet {
     uint32_t generation = 0;  // the slot is used when it equals generation_
   };
 
+  char* place(std::string_view text);
   void grow();
   size_t place(uint64_t hash) const;
 
   std::vector<Slot> slots_;
-  // The folded names back to back; slots point into it.
+  // The folded names back to back, from the start up to namesUsed_; slots
+  // point into it.
   std::string names_;
+  size_t namesUsed_ = 0;
+  // A name beyond ASCII, folded.
   std::string folded_;
   uint32_t generation_ = 1;
   size_t count_ = 0;

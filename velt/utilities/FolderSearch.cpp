@@ -64,14 +64,14 @@ void FolderSearch::FindFiles(const FolderHandle& folder, const PlacedPattern& pa
 }
 
 void FolderSearch::FindFolders(const FolderHandle& folder, const PlacedPattern& pattern,
-                               Detail detail, FoundEntries& found) {
+                               FoundEntries& found) {
   if (!start(folder, pattern, faHidden | faDirectory)) return;
   const bool here = pattern.folder.empty();
   DirectoryEntry entry;
   while (enumerator_.Next(entry)) {
     if (isDotOrDotDotOrEmpty(entry.Name)) continue;
     if (here && !isFolder(entry)) continue;
-    if ((detail == Detail::Full || !here) && !describe(folder, pattern, entry)) continue;
+    if (!describe(folder, pattern, entry)) continue;
     if (!isFolder(entry)) continue;
     found.Found(entry);
   }

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 
-#include "velt/platform/DateTimeText.hpp"
 #include "velt/platform/DirectoryEnumerator.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/FileAttributes.hpp"
@@ -44,36 +42,24 @@ class FoundEntries {
   ~FoundEntries() = default;
 };
 
-// The two one-folder steps every search is made of, with the enumerator and
-// the date formatter they reuse from folder to folder.
+// The two one-folder steps of Search_File and Search_Directory (and of a
+// scan's filters that name a subfolder), with the enumerator they reuse from
+// folder to folder.
 class FolderSearch {
  public:
-  // How much a found folder needs: everything, or its name only (which can
-  // spare the file system a status call for it).
-  enum class Detail { Full, NameOnly };
-
   // Entries that are not folders and have every attribute of mask, found
   // with mask as the enumeration mask.
   void FindFiles(const FolderHandle& folder, const PlacedPattern& pattern, FileAttributeSet mask,
                  FoundEntries& found);
   // Folders (and links to folders), found with the enumeration mask hidden +
   // directory; ".", ".." and empty names are left out.
-  void FindFolders(const FolderHandle& folder, const PlacedPattern& pattern, Detail detail,
-                   FoundEntries& found);
-
-  const std::string& DateText(const DirectoryEntry& entry) {
-    return dates_.Text(entry.ModifiedSeconds);
-  }
-  const std::shared_ptr<const std::string>& SharedDateText(const DirectoryEntry& entry) {
-    return dates_.SharedText(entry.ModifiedSeconds);
-  }
+  void FindFolders(const FolderHandle& folder, const PlacedPattern& pattern, FoundEntries& found);
 
  private:
   bool start(const FolderHandle& folder, const PlacedPattern& pattern, FileAttributeSet mask);
   bool describe(const FolderHandle& folder, const PlacedPattern& pattern, DirectoryEntry& entry);
 
   DirectoryEnumerator enumerator_;
-  DateTimeText dates_;
   // The subfolder a placed pattern enumerates, open while it is.
   FolderHandle elsewhere_;
 };

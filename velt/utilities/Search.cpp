@@ -4,6 +4,7 @@
 
 #include "velt/platform/FolderHandle.hpp"
 #include "velt/utilities/FolderSearch.hpp"
+#include "velt/utilities/ResultMaker.hpp"
 #include "velt/utilities/TreeScan.hpp"
 
 namespace velt {
@@ -37,23 +38,18 @@ std::string searchFolder(const std::string& folder) {
 // collection, and that find is left out.
 class KeyedResults : public FoundEntries {
  public:
-  KeyedResults(sf_Information& results, FolderSearch& search, const std::string& folder,
-               bool folders)
-      : results_(results), search_(search), folder_(folder), folders_(folders) {}
+  KeyedResults(sf_Information& results, ResultMaker& maker,
+               std::shared_ptr<const std::string> folder)
+      : results_(results), maker_(maker), folder_(std::move(folder)) {}
 
   void Found(const DirectoryEntry& entry) override {
-    const std::string name(entry.Name);
-    ignoringErrors([&] {
-      results_.Add(folder_, name, search_.DateText(entry), entry.Attributes,
-                   folders_ ? "0" : std::to_string(entry.Size), name);
-    });
+    ignoringErrors([&] { maker_.Add(results_, folder_, entry, entry.Name); });
   }
 
  private:
   sf_Information& results_;
-  FolderSearch& search_;
-  const std::string& folder_;
-  bool folders_;
+  ResultMaker& maker_;
+  std::shared_ptr<const std::string> folder_;
 };
 
 enum class Finding { Files, Folders };
@@ -63,17 +59,18 @@ std::shared_ptr<sf_Information> findInFolders(const std::vector<std::string>& fo
                                               Finding finding, FileAttributeSet mask) {
   auto results = std::make_shared<sf_Information>();
   FolderSearch search;
+  ResultMaker maker;
   for (const auto& patternText : patterns) {
     const PlacedPattern pattern(patternText);
     for (const auto& folderText : folders) {
       ignoringErrors([&] {
-        const std::string folder = searchFolder(folderText);
-        const FolderHandle handle = FolderHandle::Open(folder);
-        KeyedResults found(*results, search, folder, finding == Finding::Folders);
+        auto folder = std::make_shared<const std::string>(searchFolder(folderText));
+        const FolderHandle handle = FolderHandle::Open(*folder);
+        KeyedResults found(*results, maker, std::move(folder));
         if (finding == Finding::Files)
           search.FindFiles(handle, pattern, mask, found);
         else
-          search.FindFolders(handle, pattern, FolderSearch::Detail::Full, found);
+          search.FindFolders(handle, pattern, found);
       });
     }
   }

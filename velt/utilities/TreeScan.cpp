@@ -11,8 +11,19 @@ namespace {
 // the descriptor limits of a process.
 constexpr size_t kMaxOpenFrames = 48;
 
+// One read of a folder sees every entry and sorts them out itself.
+constexpr FileAttributeSet kEveryEntry = kEnumerationExcludingAttributes;
+
 std::string withSlash(const std::string& folder) {
   return !folder.empty() && folder.back() == '/' ? folder : folder + "/";
+}
+
+bool isFolder(const DirectoryEntry& entry) {
+  return (entry.Attributes & faDirectory) != 0;
+}
+
+bool isDotOrDotDot(std::string_view name) {
+  return name == "." || name == "..";
 }
 
 }  // namespace
@@ -41,34 +52,22 @@ struct TreeScan::Frame {
   FileIdentity identity;
 };
 
-// Collects the subfolders of a frame, once per name regardless of case, and
-// lists them when the scan lists folders.
-class TreeScan::SubfolderCollector : public FoundEntries {
- public:
-  SubfolderCollector(TreeScan& scan, Frame& frame, uint32_t folder)
-      : scan_(scan), frame_(frame), folder_(folder) {}
-
-  void Found(const DirectoryEntry& entry) override {
-    if (!scan_.namesSeen_.Insert(entry.Name)) return;
-    frame_.subfolders.push_back({folder_, std::string(entry.Name)});
-    if (scan_.listing_ == Listing::Folders) scan_.add(frame_.folders[folder_], entry, "0");
-  }
-
- private:
-  TreeScan& scan_;
-  Frame& frame_;
-  uint32_t folder_;
+// A file kept for the filters after the first: its entry (Described when a
+// link was followed to it) in folder number folder of the frame, its name at
+// nameOffset in candidateNames_.
+struct TreeScan::Candidate {
+  uint32_t folder = 0;
+  size_t nameOffset = 0;
+  DirectoryEntry entry;
 };
 
-// Lists the files of a frame, once per name regardless of case.
+// Lists the files a filter naming a subfolder finds, once per name
+// regardless of case.
 class TreeScan::FileCollector : public FoundEntries {
  public:
   FileCollector(TreeScan& scan, const Folder& folder) : scan_(scan), folder_(folder) {}
 
-  void Found(const DirectoryEntry& entry) override {
-    if (!scan_.namesSeen_.Insert(entry.Name)) return;
-    scan_.add(folder_, entry, std::to_string(entry.Size));
-  }
+  void Found(const DirectoryEntry& entry) override { scan_.takeFile(folder_, entry); }
 
  private:
   TreeScan& scan_;
@@ -77,10 +76,14 @@ class TreeScan::FileCollector : public FoundEntries {
 
 TreeScan::TreeScan(Listing listing, const std::vector<std::string>& filters,
                    std::function<void()> pendingEvents)
-    : listing_(listing), everything_("*.*"), pendingEvents_(std::move(pendingEvents)) {
+    : listing_(listing), everyName_("*"), pendingEvents_(std::move(pendingEvents)) {
   filters_.reserve(filters.size());
   for (const auto& filter : filters)
     filters_.emplace_back(filter);
+  firstFilterWhileReading_ = !filters_.empty() && filters_.front().folder.empty();
+  keepCandidates_ =
+      std::any_of(filters_.begin() + (firstFilterWhileReading_ ? 1 : 0), filters_.end(),
+                  [](const PlacedPattern& filter) { return filter.folder.empty(); });
 }
 
 TreeScan::~TreeScan() = default;
@@ -120,25 +123,78 @@ void TreeScan::openStartFolders(const std::vector<std::string>& startFolders, Fr
   }
 }
 
-// What the classic scan gets from one folder search for the subfolders and
-// one for the files, in that order.
+// Gives what a search for the subfolders followed by one for the files would
+// give, from one read of each folder of the frame.
 void TreeScan::list(Frame& frame) {
-  const auto detail =
-      listing_ == Listing::Folders ? FolderSearch::Detail::Full : FolderSearch::Detail::NameOnly;
-  namesSeen_.Clear();
-  for (uint32_t i = 0; i < frame.folders.size(); ++i) {
-    SubfolderCollector collector(*this, frame, i);
-    ignoringErrors(
-        [&] { search_.FindFolders(frame.folders[i].handle, everything_, detail, collector); });
-  }
+  folderNames_.Clear();
+  fileNames_.Clear();
+  candidates_.clear();
+  candidateNames_.clear();
+  for (uint32_t i = 0; i < frame.folders.size(); ++i)
+    ignoringErrors([&] { read(frame, i); });
   if (listing_ != Listing::Files) return;
-  namesSeen_.Clear();
-  for (const auto& filter : filters_) {
+  for (size_t i = firstFilterWhileReading_ ? 1 : 0; i < filters_.size(); ++i)
+    applyFilter(frame, filters_[i]);
+}
+
+void TreeScan::read(Frame& frame, uint32_t folder) {
+  reader_.Start(frame.folders[folder].handle, everyName_, kEveryEntry);
+  DirectoryEntry entry;
+  while (reader_.Next(entry)) {
+    if (isFolder(entry))
+      takeSubfolder(frame, folder, entry);
+    else if (listing_ == Listing::Files && EnumerationIncludes(entry.Attributes, faNormal))
+      offerFile(folder, frame.folders[folder], entry);
+  }
+}
+
+void TreeScan::takeSubfolder(Frame& frame, uint32_t folder, DirectoryEntry& entry) {
+  if (isDotOrDotDot(entry.Name)) return;
+  // Only a listed folder needs more than its name.
+  const bool listed = listing_ == Listing::Folders;
+  if (listed && !(reader_.Describe(entry) && isFolder(entry))) return;
+  if (!folderNames_.Insert(entry.Name)) return;
+  frame.subfolders.push_back({folder, std::string(entry.Name)});
+  if (listed) add(frame.folders[folder], entry);
+}
+
+// A file (an entry the attribute mask 0 admits) met while reading.
+void TreeScan::offerFile(uint32_t folder, const Folder& in, DirectoryEntry& entry) {
+  if (firstFilterWhileReading_ && filters_.front().names.Matches(entry.Name)) {
+    if (reader_.Describe(entry)) takeFile(in, entry);
+    return;
+  }
+  if (!keepCandidates_) return;
+  candidates_.push_back({folder, candidateNames_.size(), entry});
+  candidates_.back().entry.Name = {};
+  candidateNames_.append(entry.Name);
+  candidateNames_.push_back('\0');
+}
+
+void TreeScan::applyFilter(const Frame& frame, const PlacedPattern& filter) {
+  if (!filter.folder.empty()) {
     for (const auto& folder : frame.folders) {
       FileCollector collector(*this, folder);
       ignoringErrors([&] { search_.FindFiles(folder.handle, filter, faNormal, collector); });
     }
+    return;
   }
+  for (const Candidate& candidate : candidates_) {
+    const char* name = candidateNames_.data() + candidate.nameOffset;
+    DirectoryEntry entry = candidate.entry;
+    entry.Name = name;
+    if (!filter.names.Matches(entry.Name)) continue;
+    const Folder& folder = frame.folders[candidate.folder];
+    if (entry.Described || DirectoryEnumerator::DescribeNamed(folder.handle, name, entry))
+      takeFile(folder, entry);
+  }
+}
+
+// A described file a filter matched: listed unless it has become a folder
+// meanwhile or its name is listed already.
+void TreeScan::takeFile(const Folder& folder, const DirectoryEntry& entry) {
+  if (isFolder(entry) || !fileNames_.Insert(entry.Name)) return;
+  add(folder, entry);
 }
 
 void TreeScan::enter(size_t parentFrame, Subfolder subfolder) {
@@ -159,17 +215,8 @@ void TreeScan::enter(size_t parentFrame, Subfolder subfolder) {
   push(std::move(frame));
 }
 
-// A result made directly, sharing the folder's path and the date's text.
-void TreeScan::add(const Folder& folder, const DirectoryEntry& entry, std::string size) {
-  ignoringErrors([&] {
-    auto value = std::make_shared<sf_InformationValue>();
-    value->path_ = folder.path;
-    value->filename_.assign(entry.Name);
-    value->dateTime_ = search_.SharedDateText(entry);
-    value->attributes_ = entry.Attributes;
-    value->size_ = std::move(size);
-    results_->append(std::move(value));
-  });
+void TreeScan::add(const Folder& folder, const DirectoryEntry& entry) {
+  ignoringErrors([&] { maker_.Add(*results_, folder.path, entry); });
 }
 
 void TreeScan::push(Frame&& frame) {

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "velt/foundation/KeyedCollection.hpp"
@@ -37,10 +38,12 @@ class sf_Information {
   std::default_sentinel_t end() const { return {}; }
 
  private:
-  friend class TreeScan;
+  friend class ResultMaker;
 
-  // Appends a value made elsewhere, without a key.
-  void append(std::shared_ptr<sf_InformationValue> value) { items_.Add(std::move(value), {}); }
+  // Appends a value made elsewhere, under key unless it is empty.
+  void append(std::shared_ptr<sf_InformationValue> value, std::string_view key) {
+    items_.Add(std::move(value), key);
+  }
 
   KeyedCollection<sf_InformationValue> items_;
 };
