@@ -195,7 +195,9 @@ class LaneRamp {
   // Lane k starts at position p0 + k; the step is what four positions add.
   Channel channel(int64_t c0, int64_t c1, int64_t len, int64_t p0) const {
     const Division one = divide(c1 - c0);
-    Division at = divide(c0 * len + (c1 - c0) * p0);
+    // At the start edge the quotient is c0's high byte, no division needed.
+    Division at =
+        p0 == 0 ? Division{c0 >> 8, (c0 & 0xFF) * len} : divide(c0 * len + (c1 - c0) * p0);
     const Division first = at;
     Channel c{};
     for (int32_t k = 0; k < kLanes; ++k) {
