@@ -32,6 +32,12 @@ class Utf8Reader {
 
   bool Next(char32_t& codePoint) {
     if (pos_ >= text_.size()) return false;
+    const auto lead = static_cast<unsigned char>(text_[pos_]);
+    if (lead < 0x80) {  // captions are mostly ASCII: no call for them
+      codePoint = lead;
+      ++pos_;
+      return true;
+    }
     const Utf8::Decoded decoded = Utf8::DecodeAt(text_, pos_);
     codePoint = decoded.codePoint;
     pos_ += decoded.length;
