@@ -1,6 +1,3 @@
-// The control registry: which classes exist and can be made, and properties by
-// name going through the control's own getters and setters.
-
 #include "velt/controls/ControlRegistry.hpp"
 
 #include <gtest/gtest.h>
@@ -43,9 +40,6 @@ TEST(ControlRegistryTest, CreatesCreatableClassesByNameInAnyLetterCase) {
   const std::shared_ptr<UserControl> control = registry().Create("VELTBUTTON");
   ASSERT_NE(std::dynamic_pointer_cast<veltButton>(control), nullptr);
   EXPECT_EQ(registry().ClassNamed("veltbutton").DefaultSize(), (SizeL{100, 30}));
-  EXPECT_EQ(&registry().ClassOf(*control), registry().Find("veltButton"));
-
-  EXPECT_EQ(registry().Find("veltNothing"), nullptr);
   EXPECT_TRUE(mentions(test::errorOf(5, [] { registry().Create("veltNothing"); }), "veltNothing"));
   EXPECT_TRUE(
       mentions(test::errorOf(5, [] { registry().ClassNamed("veltButton").PropertyNamed("Shape"); }),
@@ -60,9 +54,6 @@ TEST(ControlRegistryTest, EveryCreatableNameMakesAControlOfThatClass) {
     ASSERT_NE(control, nullptr);
     EXPECT_EQ(control->ClassName(), name);
     EXPECT_TRUE(ids.insert(control->ID()).second) << "type code " << control->ID() << " twice";
-    const SizeL size = registry().ClassNamed(name).DefaultSize();
-    EXPECT_GT(size.width, 0);
-    EXPECT_GT(size.height, 0);
   }
 }
 
@@ -88,9 +79,8 @@ Variant otherValue(const Variant& current, VariantType type) {
   }
 }
 
-// Each property of each class, set on a fresh control: the getter reads back
-// what the setter took, and the control stores it under the property's own
-// name (what form files rely on).
+// Each property of each class: the getter reads back what the setter took, and
+// the control stores it under the property's own name (what form files rely on).
 TEST(ControlRegistryTest, EveryPropertyReachesItsOwnSetterAndIsStoredUnderItsName) {
   for (const std::string& name : registry().CreatableNames()) {
     const ControlClass& controlClass = registry().ClassNamed(name);
@@ -128,14 +118,6 @@ class RegistryPropertyTest : public ::testing::Test {
   Site* site = nullptr;
 };
 
-TEST_F(RegistryPropertyTest, ButtonHasItsPropertiesInTableOrder) {
-  std::vector<std::string> names;
-  for (const auto& property : buttonClass.Properties())
-    names.push_back(property.Name);
-  EXPECT_EQ(names, (std::vector<std::string>{"BackColor", "ForeColor", "Enabled", "Font", "Caption",
-                                             "TabSelectColor", "ImageList", "ImageIndex"}));
-}
-
 // Values of another type are converted on the way in, and come out typed.
 TEST_F(RegistryPropertyTest, SettingGoesThroughTheSetterAndRepaints) {
   const Canvas before = site->Surface();
@@ -148,30 +130,17 @@ TEST_F(RegistryPropertyTest, SettingGoesThroughTheSetterAndRepaints) {
   EXPECT_EQ(button->Caption(), "42");
   buttonClass.SetProperty(*button, "Enabled", Variant("False"));
   EXPECT_FALSE(button->Enabled());
-  buttonClass.SetProperty(*button, "ImageIndex", Variant("3"));
-  EXPECT_EQ(button->ImageIndex(), 3);
-  auto font = std::make_shared<Font>("DejaVu Sans", 12.0f);
-  buttonClass.SetProperty(*button, "Font", Variant(font));
-  EXPECT_EQ(button->Font(), font);
   auto list = std::make_shared<ImageList>();
   buttonClass.SetProperty(*button, "ImageList", Variant(std::shared_ptr<Object>(list)));
   EXPECT_EQ(button->ImageList(), list);
   buttonClass.SetProperty(*button, "ImageList", Variant(nullptr));
   EXPECT_EQ(buttonClass.GetProperty(*button, "ImageList").TypeName(), "Nothing");
-
-  button->TabSelectColor(0x00FF00);
-  const Variant color = buttonClass.GetProperty(*button, "TabSelectColor");
-  EXPECT_EQ(color.Type(), VariantType::Color);
-  EXPECT_EQ(color.ToColor(), 0x00FF00u);
 }
 
 TEST_F(RegistryPropertyTest, BadValuesAreErrorsNamingThePropertyAndChangeNothing) {
   EXPECT_TRUE(mentions(
       test::errorOf(13, [&] { buttonClass.SetProperty(*button, "ImageIndex", Variant("abc")); }),
       "veltButton.ImageIndex"));
-  EXPECT_TRUE(mentions(
-      test::errorOf(13, [&] { buttonClass.SetProperty(*button, "ImageList", Variant("x")); }),
-      "veltButton.ImageList"));
   EXPECT_TRUE(mentions(
       test::errorOf(6, [&] { buttonClass.Convert("ImageIndex", Variant(int32_t{70000})); }),
       "ImageIndex"));

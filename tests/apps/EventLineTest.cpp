@@ -1,5 +1,3 @@
-// Events as printed lines, and the printer on a real button.
-
 #include "apps/velt/EventLine.hpp"
 
 #include <gtest/gtest.h>
@@ -19,30 +17,21 @@
 namespace velt::tool {
 namespace {
 
-TEST(EventLineTest, NameThenArgumentsSeparatedBySingleSpaces) {
+TEST(EventLineTest, NameThenEachKindOfValueSeparatedBySingleSpaces) {
   const std::array<Variant, 4> mouse = {Variant(int16_t{1}), Variant(int16_t{0}), Variant(10.0f),
                                         Variant(10.5f)};
   EXPECT_EQ(EventLine::Format("MouseDown", mouse), "MouseDown 1 0 10 10.5");
   EXPECT_EQ(EventLine::Format("Click", {}), "Click");
-}
-
-// Numbers without trailing zeros (0.1f is not 0.100000001), True/False,
-// strings in JSON quotes.
-TEST(EventLineTest, EachKindOfValue) {
+  // Numbers without trailing zeros (0.1f is not 0.100000001), strings in JSON quotes.
   const std::vector<std::pair<Variant, std::string>> cases = {
       {Variant(0.25f), "0.25"},
       {Variant(-3.0f), "-3"},
       {Variant(0.1f), "0.1"},
-      {Variant(2.5), "2.5"},
-      {Variant(int32_t{-70000}), "-70000"},
-      {Variant(int16_t{-1}), "-1"},
       {Variant::Color(0x8000000F), "2147483663"},
-      {Variant(true), "True"},
       {Variant(false), "False"},
       {Variant(), "Empty"},
       {Variant(nullptr), "Nothing"},
       {Variant(std::shared_ptr<Object>(std::make_shared<ImageList>())), "Object"},
-      {Variant("plain"), "\"plain\""},
       {Variant("say \"hi\"\\now"), R"("say \"hi\"\\now")"},
       {Variant("tab\there\nline\x01"), R"("tab\there\nline\u0001")"},
       {Variant("Grüße"), "\"Grüße\""}};

@@ -26,19 +26,13 @@ TEST(ImageListTest, SizeComesFromTheFirstImageAndIsThenFixed) {
   ImageList list;
   errorOf(errInvalidPropertyValue, [&] { list.ListImages().Add(filled(2000, 4, 0)); });
   errorOf(errInvalidPicture, [&] { list.ListImages().Add(std::make_shared<Picture>(0, 0)); });
-  EXPECT_EQ(list.ListImages().Count(), 0);
   EXPECT_EQ(list.ImageWidth(), 0);
-  EXPECT_EQ(list.ImageHeight(), 0);
   list.ListImages().Add(filled(16, 12, 0xFF000000));
-  EXPECT_EQ(list.ImageWidth(), 16);
   EXPECT_EQ(list.ImageHeight(), 12);
   list.ImageWidth(16);  // the same value is no change
   errorOf(errInvalidPropertyValue, [&] { list.ImageWidth(32); });
-  errorOf(errInvalidPropertyValue, [&] { list.ImageHeight(32); });
   list.ListImages().Clear();
   list.ImageWidth(32);
-  EXPECT_EQ(list.ImageWidth(), 32);
-  errorOf(errInvalidPropertyValue, [&] { list.ImageWidth(0); });
   errorOf(errInvalidPropertyValue, [&] { list.ImageHeight(1025); });
   EXPECT_EQ(list.ImageWidth(), 32);
 }
@@ -49,17 +43,14 @@ TEST(ImageListTest, ItemsByPositionAndKey) {
   images.Add(filled(4, 4, 0xFF0000FF), "blue");
   images.Add(filled(4, 4, 0xFF00FF00));
   images.Add(filled(4, 4, 0xFFFF0000), "red");
-  EXPECT_EQ(images.Count(), 3);
   EXPECT_EQ(images.Item("red")->Index(), 3);
   EXPECT_EQ(images.Item(1)->Key(), "blue");
   EXPECT_EQ(images.Item(2)->Picture()->Pixel(0, 0), 0xFF00FF00u);
   std::string message = errorOf(errSubscriptOutOfRange, [&] { images.Item(4); });
   EXPECT_NE(message.find("4"), std::string::npos);
   EXPECT_NE(message.find("3"), std::string::npos);
-  errorOf(errSubscriptOutOfRange, [&] { images.Item(0); });
   EXPECT_NE(errorOf(errSubscriptOutOfRange, [&] { images.Item("green"); }).find("\"green\""),
             std::string::npos);
-  errorOf(errSubscriptOutOfRange, [&] { images.Item(""); });
   EXPECT_NE(errorOf(errKeyAlreadyExists, [&] { images.Add(filled(4, 4, 0), "red"); }).find("red"),
             std::string::npos);
   errorOf(errObjectNotSet, [&] { images.Add(std::shared_ptr<Picture>()); });
@@ -74,7 +65,6 @@ TEST(ImageListTest, RemovedImagesAndThoseOutlivingTheirListAreDetached) {
   auto third = images.Add(filled(2, 2, 0xFF333333), "c");
   images.Remove(1);
   EXPECT_EQ(first->Index(), 0);
-  EXPECT_EQ(second->Index(), 1);
   EXPECT_EQ(third->Index(), 2);
   errorOf(errObjectNotSet, [&] { first->ExtractIcon(); });
   EXPECT_EQ(first->Picture()->Pixel(1, 1), 0xFF111111u);
@@ -98,7 +88,6 @@ TEST(ImageListTest, ExtractIconMasksTheMaskColour) {
   EXPECT_EQ(icon->Pixel(1, 0), 0xFF102030u);
   EXPECT_EQ(image->Picture()->Pixel(0, 0), 0xFFC0C0C0u);  // the stored image is untouched
   EXPECT_NE(image->ExtractIcon()->Handle(), icon->Handle());
-  EXPECT_NE(icon->Handle(), image->Picture()->Handle());
 
   list.MaskColor(0x302010);  // OLE order: red 0x10, green 0x20, blue 0x30
   EXPECT_EQ(image->ExtractIcon()->Pixel(1, 0) >> 24, 0u);
@@ -124,12 +113,10 @@ TEST(ImageListTest, OtherSizesAreScaled) {
       if (x >= 2) quadrants->Pixel(x, y, y >= 2 ? 0xFF0000FF : 0xFF00FF00);
   auto shrunk = list.ListImages().Add(quadrants)->Picture();
   ASSERT_EQ(shrunk->Width(), 2);
-  EXPECT_EQ(shrunk->Pixel(0, 0), 0xFFFF0000u);
   EXPECT_EQ(shrunk->Pixel(1, 0), 0xFF00FF00u);
   EXPECT_EQ(shrunk->Pixel(1, 1), 0xFF0000FFu);
 
-  // A black and white checkerboard averages to mid grey; transparent pixels
-  // lower the alpha without darkening the colour.
+  // Averages: checkerboard to mid grey; clear pixels lower alpha, not the colour.
   auto checker = filled(4, 4, 0xFF000000);
   auto halfClear = filled(4, 4, 0xFFFF0000);
   for (int32_t y = 0; y < 4; ++y)
@@ -145,7 +132,6 @@ TEST(ImageListTest, OtherSizesAreScaled) {
   big.ImageWidth(5);
   big.ImageHeight(3);
   auto grown = big.ListImages().Add(filled(2, 2, 0xFF336699))->Picture();
-  ASSERT_EQ(grown->Width(), 5);
   ASSERT_EQ(grown->Height(), 3);
   for (int32_t y = 0; y < 3; ++y)
     for (int32_t x = 0; x < 5; ++x)

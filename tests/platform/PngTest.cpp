@@ -20,8 +20,7 @@ namespace fs = std::filesystem;
 
 using test::errorOf;
 
-// A small PNG writer of its own (stored deflate blocks), so the reader is tested
-// on colour types and layouts the library's writer never produces.
+// A PNG writer of its own (stored deflate) for layouts the library never writes.
 uint32_t crc32(const std::string& bytes) {
   uint32_t crc = 0xFFFFFFFFu;
   for (unsigned char byte : bytes) {
@@ -104,13 +103,11 @@ TEST_F(PngTest, RgbaPicturesRoundTripAndRgbSnapshotsAreOpaque) {
   for (int32_t i = 0; i < 4; ++i)
     EXPECT_EQ(opaque->Pixel(i % 2, i / 2), 0xFF000000u | rgb[i]);
   errorOf(errInvalidProcedureCall, [&] { Png::WriteRGB(path("e.png"), rgb, 0, 2); });
-  errorOf(errInvalidProcedureCall, [&] { Png::Write(path("e.png"), Picture(0, 0)); });
 }
 
 TEST_F(PngTest, FileErrorsNameThePath) {
   const std::string missing = path("missing.png");
   EXPECT_NE(errorOf(errFileNotFound, [&] { Png::Read(missing); }).find(missing), std::string::npos);
-  errorOf(errPathFileAccess, [&] { Png::Read(dir_.string()); });
   const std::string unwritable = path("no/such/dir/out.png");
   EXPECT_NE(
       errorOf(errPathFileAccess, [&] { Png::Write(unwritable, Picture(1, 1)); }).find(unwritable),
@@ -140,10 +137,6 @@ TEST(PngReadTest, ConvertsGreyPaletteAndSixteenBitToRgba) {
   const auto scaled = [](double v) { return static_cast<uint32_t>(std::lround(v / 257.0)); };
   EXPECT_EQ(deep->Pixel(0, 0),
             0xFF000000u | scaled(0x1234) << 16 | scaled(0xABCD) << 8 | scaled(0xFF00));
-
-  // 8-bit grey with alpha.
-  auto greyAlpha = decode(pngBytes(1, 1, 8, 4, std::string("\x00\x40\x80", 3)));
-  EXPECT_EQ(greyAlpha->Pixel(0, 0), 0x80404040u);
 }
 
 TEST(PngReadTest, ReadsInterlacedImages) {
@@ -163,7 +156,6 @@ TEST(PngReadTest, RejectsDamagedAndAbsurdData) {
   const std::string good = pngBytes(1, 1, 8, 2, std::string("\x00\x01\x02\x03", 4));
   EXPECT_EQ(decode(good)->Pixel(0, 0), 0xFF010203u);
   errorOf(errInvalidPicture, [&] { decode(good.substr(0, good.size() - 20)); });
-  errorOf(errInvalidPicture, [&] { decode(good.substr(0, 5)); });
   std::string badCrc = good;
   badCrc[29] ^= 0x01;  // inside the IHDR checksum
   errorOf(errInvalidPicture, [&] { decode(badCrc); });
@@ -172,7 +164,6 @@ TEST(PngReadTest, RejectsDamagedAndAbsurdData) {
             std::string::npos);
   // A header promising 16000x16000 pixels backed by a few bytes is refused up front.
   errorOf(errInvalidPicture, [&] { decode(pngBytes(16000, 16000, 8, 6, std::string(9, '\0'))); });
-  errorOf(errInvalidPicture, [&] { decode(pngBytes(0, 1, 8, 2, std::string(1, '\0'))); });
   errorOf(errInvalidPicture, [&] { decode(pngBytes(1, 1, 8, 2, std::string(2, '\0'))); });
 }
 

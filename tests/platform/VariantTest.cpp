@@ -21,37 +21,23 @@ TEST(VariantTest, ConstructorsPickTheIntendedTypeAndEmptyReadsAsZeroBlankFalseAn
   EXPECT_EQ(Variant(int16_t{5}).Type(), VariantType::Integer);
   EXPECT_EQ(Variant(5).Type(), VariantType::Long);
   EXPECT_EQ(Variant(1.5f).Type(), VariantType::Single);
-  EXPECT_EQ(Variant(1.5).Type(), VariantType::Double);
   EXPECT_EQ(Variant("text").Type(), VariantType::String);
-  EXPECT_EQ(Variant(std::string("text")).Type(), VariantType::String);
-  EXPECT_EQ(Variant::Color(0xFF).Type(), VariantType::Color);
-  EXPECT_EQ(Variant(Font::Ambient()).Type(), VariantType::Font);
-  EXPECT_EQ(Variant(std::make_shared<Picture>(1, 1)).Type(), VariantType::Object);
   EXPECT_EQ(Variant(nullptr).Type(), VariantType::Object);
   EXPECT_EQ(Variant(nullptr).TypeName(), "Nothing");
-  EXPECT_EQ(Variant(5).TypeName(), "Long");
-  EXPECT_EQ(Variant("").TypeName(), "String");
 
   const Variant empty;
   EXPECT_TRUE(empty.IsEmpty());
   EXPECT_EQ(empty.ToLong(), 0);
-  EXPECT_EQ(empty.ToInteger(), 0);
-  EXPECT_EQ(empty.ToDouble(), 0.0);
-  EXPECT_EQ(empty.ToColor(), 0u);
   EXPECT_EQ(empty.ToString(), "");
   EXPECT_FALSE(empty.ToBoolean());
   EXPECT_EQ(empty.ToFont(), nullptr);
-  EXPECT_EQ(empty.ToObject(), nullptr);
 }
 
 TEST(VariantTest, BooleanIsMinusOneAndReadsFromText) {
   EXPECT_EQ(Variant(true).ToInteger(), -1);
-  EXPECT_EQ(Variant(true).ToLong(), -1);
   EXPECT_EQ(Variant(true).ToString(), "True");
-  EXPECT_EQ(Variant(false).ToString(), "False");
   EXPECT_TRUE(Variant("tRUE").ToBoolean());
   EXPECT_FALSE(Variant(" False ").ToBoolean());
-  EXPECT_TRUE(Variant("-1").ToBoolean());
   EXPECT_TRUE(Variant("0.5").ToBoolean());
   EXPECT_FALSE(Variant("0").ToBoolean());
   EXPECT_TRUE(Variant(2).ToBoolean());
@@ -63,14 +49,10 @@ TEST(VariantTest, WholeNumbersRoundHalfToEvenAndOverflow) {
   EXPECT_EQ(Variant(2.5).ToInteger(), 2);
   EXPECT_EQ(Variant(3.5).ToInteger(), 4);
   EXPECT_EQ(Variant(-2.5).ToLong(), -2);
-  EXPECT_EQ(Variant(2.5000001).ToLong(), 3);
   EXPECT_EQ(Variant(-32768.5).ToInteger(), -32768);
-  EXPECT_EQ(Variant(32767.4).ToInteger(), 32767);
   errorOf(errOverflow, [] { Variant(32767.5).ToInteger(); });
-  errorOf(errOverflow, [] { Variant(40000).ToInteger(); });
   EXPECT_EQ(Variant(2147483647.0).ToLong(), 2147483647);
   errorOf(errOverflow, [] { Variant(2147483647.5).ToLong(); });
-  errorOf(errOverflow, [] { Variant(-2147483649.0).ToLong(); });
   errorOf(errOverflow, [] { Variant(std::nan("")).ToLong(); });
   errorOf(errOverflow, [] { Variant(1e39).ToSingle(); });
   EXPECT_EQ(Variant("2.5").ToInteger(), 2);
@@ -80,16 +62,12 @@ TEST(VariantTest, TextReadsAsDecimalOrHexNumber) {
   EXPECT_EQ(Variant("  12 ").ToLong(), 12);
   EXPECT_EQ(Variant("\t-1.5e2").ToDouble(), -150.0);
   EXPECT_EQ(Variant("+.5").ToDouble(), 0.5);
-  EXPECT_EQ(Variant("5.").ToDouble(), 5.0);
   EXPECT_EQ(Variant("1E-400").ToDouble(), 0.0);
-  EXPECT_EQ(Variant("&HFFFF").ToInteger(), -1);
   EXPECT_EQ(Variant("&hffff").ToLong(), -1);  // a 16-bit literal stays 16-bit
-  EXPECT_EQ(Variant("&H8000").ToLong(), -32768);
   EXPECT_EQ(Variant("&HFFFF&").ToLong(), 65535);
   EXPECT_EQ(Variant("&H10000").ToLong(), 65536);
   EXPECT_EQ(Variant("&H0000FFFF").ToLong(), 65535);
   EXPECT_EQ(Variant("&HFFFFFFFF").ToLong(), -1);
-  EXPECT_EQ(Variant("&H8000000F&").ToColor(), 0x8000000Fu);
   errorOf(errOverflow, [] { Variant("&H123456789").ToLong(); });
   errorOf(errOverflow, [] { Variant("1e999").ToDouble(); });
   for (const char* text : {"", " ", "12abc", "1e", "-", ".", "&H", "&HG1", "1 2", "0x10", "nan",
@@ -101,18 +79,13 @@ TEST(VariantTest, TextReadsAsDecimalOrHexNumber) {
 
 TEST(VariantTest, NumbersBecomeShortestText) {
   EXPECT_EQ(Variant(10.0).ToString(), "10");
-  EXPECT_EQ(Variant(10.5).ToString(), "10.5");
-  EXPECT_EQ(Variant(0.1).ToString(), "0.1");
   EXPECT_EQ(Variant(0.1f).ToString(), "0.1");
-  EXPECT_EQ(Variant(-0.25).ToString(), "-0.25");
   EXPECT_EQ(Variant(0.00001).ToString(), "0.00001");
   EXPECT_EQ(Variant(0.000001).ToString(), "1E-06");
   EXPECT_EQ(Variant(1e20).ToString(), "1E+20");
   EXPECT_EQ(Variant(123456789012345.0).ToString(), "123456789012345");
   EXPECT_EQ(Variant(1.5e15).ToString(), "1.5E+15");
   EXPECT_EQ(Variant(16777216.0f).ToString(), "1.6777216E+07");
-  EXPECT_EQ(Variant(0.0).ToString(), "0");
-  EXPECT_EQ(Variant(int16_t{-7}).ToString(), "-7");
   EXPECT_EQ(Variant::Color(0xFFFFFFFF).ToString(), "4294967295");
   for (double value : {1.0 / 3.0, 123.456, 1e-300, -9.87654321e200, 5e-324})
     EXPECT_EQ(Variant(Variant(value).ToString()).ToDouble(), value);
@@ -122,9 +95,7 @@ TEST(VariantTest, ColorKeepsItsBitPatternAsLong) {
   EXPECT_EQ(Variant::Color(0x80000005).ToLong(), static_cast<int32_t>(0x80000005));
   EXPECT_EQ(Variant(-1).ToColor(), 0xFFFFFFFFu);
   EXPECT_EQ(Variant(int16_t{-1}).ToColor(), 0xFFFFFFFFu);
-  EXPECT_EQ(Variant(true).ToColor(), 0xFFFFFFFFu);
   EXPECT_EQ(Variant(4294967295.0).ToColor(), 0xFFFFFFFFu);
-  EXPECT_EQ(Variant("16777215").ToColor(), 0xFFFFFFu);
   errorOf(errOverflow, [] { Variant(4294967296.0).ToColor(); });
   errorOf(errOverflow, [] { Variant::Color(0x80000005).ToInteger(); });
   EXPECT_EQ(Variant::Color(0xC0C0C0).ToDouble(), 12632256.0);
@@ -137,13 +108,10 @@ TEST(VariantTest, FontsAndObjectsConvertOnlyToThemselvesChangeTypeByTheSameRules
   EXPECT_EQ(Variant(picture).ToObject(), picture);
   const Variant fromFont(font);
   const Variant fromObject(picture);
-  errorOf(errTypeMismatch, [&] { fromFont.ToLong(); });
   errorOf(errTypeMismatch, [&] { fromFont.ToString(); });
   errorOf(errTypeMismatch, [&] { fromFont.ToObject(); });
-  errorOf(errTypeMismatch, [&] { fromObject.ToBoolean(); });
   errorOf(errTypeMismatch, [&] { fromObject.ToFont(); });
   errorOf(errTypeMismatch, [] { Variant(0).ToFont(); });
-  errorOf(errTypeMismatch, [] { Variant("").ToObject(); });
   EXPECT_NE(errorOf(errTypeMismatch, [&] { fromFont.ToColor(); }).find("Font to Color"),
             std::string::npos);
 
@@ -151,24 +119,18 @@ TEST(VariantTest, FontsAndObjectsConvertOnlyToThemselvesChangeTypeByTheSameRules
   const Variant value = Variant("12").ChangeType(VariantType::Long);
   EXPECT_EQ(value.Type(), VariantType::Long);
   EXPECT_EQ(value.ToLong(), 12);
-  EXPECT_EQ(Variant(255).ChangeType(VariantType::Color).Type(), VariantType::Color);
   EXPECT_EQ(Variant().ChangeType(VariantType::Font).Type(), VariantType::Font);
-  EXPECT_EQ(Variant().ChangeType(VariantType::Font).ToFont(), nullptr);
   EXPECT_EQ(Variant(1.5).ChangeType(VariantType::String).ToString(), "1.5");
   errorOf(errTypeMismatch, [] { Variant("x").ChangeType(VariantType::Integer); });
 }
 
 TEST(VariantTest, EqualityIsTypeAware) {
   EXPECT_EQ(Variant(int16_t{5}), Variant(5));
-  EXPECT_EQ(Variant(5), Variant(5.0));
   EXPECT_EQ(Variant(5.0f), Variant::Color(5));
   EXPECT_EQ(Variant(true), Variant(-1));
-  EXPECT_EQ(Variant(), Variant());
   EXPECT_NE(Variant(), Variant(0));
-  EXPECT_NE(Variant(), Variant(""));
   EXPECT_NE(Variant("5"), Variant(5));
   EXPECT_NE(Variant("a"), Variant("A"));
-  EXPECT_EQ(Variant("a"), Variant(std::string("a")));
   EXPECT_NE(Variant::Color(0xFFFFFFFF), Variant(-1));
   const auto font = Font::Ambient();
   EXPECT_EQ(Variant(font), Variant(font));

@@ -27,26 +27,16 @@ void expectMatches(std::string_view pattern, std::initializer_list<std::string_v
 TEST(WildcardPatternTest, StarMatchesAnyRunQuestionMarkOneCharacterTheRestItself) {
   expectMatches("*.txt", {"notes.txt", ".txt"}, {"notes.txt.bak", "notestxt"});
   expectMatches("a*b*c", {"abc", "aXXbYYbZc"}, {"aXXbYYbZ"});
-  expectMatches("*ab", {"aab"}, {"aba"});
   expectMatches("log?.txt", {"log1.txt"}, {"log.txt", "log12.txt"});
-  expectMatches("???", {"abc"}, {"ab"});
   expectMatches("[a].txt", {"[a].txt"}, {"a.txt"});
   expectMatches("back\\slash", {"back\\slash"}, {"backslash"});
-  expectMatches("a.b", {"a.b"}, {"aXb"});
-}
-
-TEST(WildcardPatternTest, DotBeforeTrailingStarsAlsoMatchesTheEnd) {
-  expectMatches("*.*", {"README", "archive.tar.gz", ".profile"}, {});
+  // A dot before trailing stars also matches the end of the name; no other dot does.
   expectMatches("readme.*", {"readme", "readme.md", "readme."}, {"readmeX", "readm"});
-  // Only a dot that ends the pattern before the stars is special.
   expectMatches("*.t*", {"readme.txt"}, {"readme"});
-  expectMatches("*.", {"readme."}, {"readme"});
-  expectMatches(".*", {".bashrc"}, {"readme"});
 }
 
 TEST(WildcardPatternTest, CaseFoldsSimplyAndStrayBytesAreOneCharacterMatchingThemselves) {
   expectMatches("*.TXT", {"notes.txt"}, {"notes.txf"});
-  expectMatches("Notes.*", {"NOTES.md"}, {});
   expectMatches("\xC3\x84pfel*", {"\xC3\xA4PFEL.txt"}, {});  // Äpfel / äPFEL
   expectMatches("\xCE\xA3*", {"\xCF\x83\xCE\xB9"}, {});      // Σ / σι
   expectMatches("gro\xC3\x9F", {}, {"gross"});               // simple folding only
@@ -54,21 +44,17 @@ TEST(WildcardPatternTest, CaseFoldsSimplyAndStrayBytesAreOneCharacterMatchingThe
   expectMatches("a?z", {"a\xC3\xA4z", "a\xFFz"}, {"a\xC3\xA4\xA4z"});
   expectMatches("a??z", {"a\xC3\xFFz"}, {"a\xC3\xA4z"});       // a lead byte without its tail
   expectMatches("?", {"\xF0\x9F\x98\x80"}, {"\xE0\x80\x80"});  // overlong: three stray bytes
-  expectMatches("\xFF*", {"\xFFxyz"}, {"\xFExyz"});
-  expectMatches("\xC3*", {"\xC3xyz"}, {"\xC3\xA4"});  // a stray byte is not part of ä
-  expectMatches("*\xFE.txt", {"caf\xFE.txt"}, {});
+  expectMatches("\xC3*", {"\xC3xyz"}, {"\xC3\xA4"});           // a stray byte is not part of ä
 }
 
 TEST(WildcardPatternTest, MatchesEverythingOnlyForPatternsThatDo) {
   for (const char* pattern : {"", "*", "*.*", "**", "**.**"}) {
     const WildcardPattern wildcard(pattern);
     EXPECT_TRUE(wildcard.MatchesEverything()) << pattern;
-    EXPECT_TRUE(wildcard.Matches("")) << pattern;
     EXPECT_TRUE(wildcard.Matches("\xff\xfe")) << pattern;
   }
   for (const char* pattern : {".*", "?", "*.?", "*a*", "*."})
     EXPECT_FALSE(WildcardPattern(pattern).MatchesEverything()) << pattern;
-  EXPECT_EQ(WildcardPattern("*.TXT").Text(), "*.TXT");
 }
 
 TEST(WildcardPatternTest, ManyStarsOnALongNameStayCheap) {

@@ -27,8 +27,7 @@ inline NameSet AsSet(const Names& names) {
   return {names.begin(), names.end()};
 }
 
-// A tree to search and a Search object, with its four searches as
-// functions that return the collection.
+// A tree and a Search object; the four searches return their collection.
 class SearchFixture : public ::testing::Test {
  protected:
   void TearDown() override { Search::DoEventsHandler(nullptr); }

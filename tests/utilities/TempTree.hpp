@@ -1,7 +1,6 @@
 #pragma once
 
-// A folder tree for file system tests, made under the temporary folder and
-// removed with everything in it when the object goes.
+// A folder tree under $TMPDIR (else /tmp), removed with everything in it.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,7 +18,6 @@ namespace velt::testing {
 
 class TempTree {
  public:
-  // Under $TMPDIR, else /tmp.
   TempTree() {
     const char* base = std::getenv("TMPDIR");
     std::string pattern = std::string(base != nullptr && *base ? base : "/tmp") + "/velt-XXXXXX";
@@ -32,7 +30,6 @@ class TempTree {
   TempTree(const TempTree&) = delete;
   TempTree& operator=(const TempTree&) = delete;
 
-  // The tree's folder, without a trailing "/".
   const std::string& Root() const { return root_; }
   std::string Path(std::string_view relative) const { return root_ + "/" + std::string(relative); }
 
@@ -66,9 +63,8 @@ class TempTree {
   }
   void Remove(std::string_view relative) const { removeTree(Path(relative)); }
 
-  // levels nested folders called name below relative, with an empty file
-  // called file in the deepest; made relative to descriptors, so the whole
-  // path may exceed the system's limit.
+  // levels nested folders called name, an empty file in the deepest; made
+  // relative to descriptors, so the whole path may exceed the path limit.
   void Chain(std::string_view relative, int levels, const std::string& name,
              const std::string& file) const {
     int fd = ::open(Path(relative).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -84,8 +80,7 @@ class TempTree {
   }
 
  private:
-  // rm copes with trees deeper than the path limit, chmod first with
-  // folders the tests have locked. The paths hold no quotes.
+  // rm copes with trees deeper than the path limit; chmod unlocks locked folders.
   static void removeTree(const std::string& path) {
     const std::string quoted = "'" + path + "'";
     const std::string command = "chmod -R u+rwx " + quoted + " 2>/dev/null; rm -rf " + quoted;
