@@ -285,7 +285,7 @@ void paintLongRamp(ColorRamp ramp, bool horizontal, uint32_t* pixels, int32_t wi
     return;
   }
   for (int64_t y = ys.begin; y < ys.end; ++y, row += width) {
-    std::fill_n(row, count, ramp.pixel());
+    fillPixels(row, static_cast<int64_t>(count), ramp.pixel());
     ramp.step();
   }
 }
@@ -568,12 +568,7 @@ void Canvas::FillRect(int32_t x, int32_t y, int32_t width, int32_t height, OLE_C
   prepareRows(ys.begin, ys.end, xs.size() == width_);
   const uint32_t rgb = pixelOf(color);
   for (int64_t row = ys.begin; row < ys.end; ++row)
-    fillRow(static_cast<int32_t>(row), static_cast<int32_t>(xs.begin), static_cast<int32_t>(xs.end),
-            rgb);
-}
-
-void Canvas::fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb) {
-  fillPixels(pixels_.data() + indexOf(x0, y, width_), x1 - x0, rgb);
+    fillPixels(pixels_.data() + indexOf(xs.begin, row, width_), xs.size(), rgb);
 }
 
 bool Canvas::GradientFill(std::span<const TriVertex> vertices,

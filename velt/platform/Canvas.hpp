@@ -103,7 +103,6 @@ class Canvas {
   uint32_t PixelRGB(int32_t x, int32_t y) const;  // 0x00RRGGBB; 0 outside
 
  private:
-  void fillRow(int32_t y, int32_t x0, int32_t x1, uint32_t rgb);
   void gradientRect(const TriVertex& a, const TriVertex& b, uint32_t mode);
   void straightLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t rgb);
   void eraseAll(uint32_t rgb);

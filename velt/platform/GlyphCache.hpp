@@ -64,10 +64,9 @@ class GlyphCache {
     Glyph& glyph = others_[codePoint];
     return glyph.ready ? glyph : load(codePoint, glyph);
   }
-  // Valid until the next Get that renders a new glyph.
-  const uint8_t* Coverage(const Glyph& glyph) const { return coverage_.data() + glyph.offset; }
-  // The same coverage with each value repeated four times, once for each
+  // The glyph's coverage with each value repeated four times, once for each
   // byte of a pixel, as 16-bit lanes: the form blending loads directly.
+  // Valid until the next Get that renders a new glyph.
   const uint16_t* CoverageLanes(const Glyph& glyph) const {
     return lanes_.data() + glyph.offset * kLanesPerPixel;
   }
