@@ -614,7 +614,7 @@ int32_t Canvas::TextWidth(std::string_view text) const {
   TextEngine& engine = TextEngine::Instance();
   int32_t widest = 0;
   forEachLine(text, [&](std::string_view line) {
-    widest = std::max(widest, engine.LineWidth(*font_, line));
+    widest = std::max(widest, engine.LineWidth(*font_, line, rightToLeft_));
   });
   return widest;
 }
@@ -635,13 +635,25 @@ void Canvas::Print(std::string_view text) {
     settle();
     if (!pixels_.empty() && fitsInt32(x) && fitsInt32(y))
       engine.DrawLine(pixels_.data(), width_, height_, static_cast<int32_t>(x),
-                      static_cast<int32_t>(y), rgb, *font_, line);
+                      static_cast<int32_t>(y), rgb, *font_, line, rightToLeft_);
     x = 0;  // every following line starts at the left edge
     y += lineHeight;
     ++printed;
   });
   currentX_ = 0;
   currentY_ += static_cast<float>(lineHeight) * static_cast<float>(printed);
+}
+
+int32_t Canvas::ClusterCut(std::string_view line, int32_t characters) const {
+  return TextEngine::Instance().Shape(*font_, line, rightToLeft_).CutAtOrBefore(characters);
+}
+
+std::vector<CaretStop> Canvas::CaretStops(std::string_view line) const {
+  return TextEngine::Instance().Shape(*font_, line, rightToLeft_).CaretStops();
+}
+
+int32_t Canvas::CaretAt(std::string_view line, int32_t x) const {
+  return TextEngine::Instance().Shape(*font_, line, rightToLeft_).CaretAt(x);
 }
 
 void Canvas::DrawPicture(const Picture& picture, int32_t x, int32_t y, PictureLook look,

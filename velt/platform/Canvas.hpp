@@ -8,6 +8,7 @@
 
 #include "velt/platform/Font.hpp"
 #include "velt/platform/Picture.hpp"
+#include "velt/platform/ShapedLine.hpp"
 #include "velt/platform/Types.hpp"
 
 namespace velt {
@@ -93,6 +94,21 @@ class Canvas {
   // (CurrentX, CurrentY) in ForeColor on a transparent background, then sets
   // CurrentX to 0 and moves CurrentY down one line per printed line.
   void Print(std::string_view text);
+  // Lines take the direction of their first strong character; with
+  // RightToLeft(true) every line is a right-to-left paragraph.
+  bool RightToLeft() const { return rightToLeft_; }
+  void RightToLeft(bool rightToLeft) { rightToLeft_ = rightToLeft; }
+
+  // What cutting and a text cursor need, for one line of text with the current
+  // font. Positions count characters (code points) from 0.
+  // The last cluster boundary at or before `characters`: cutting the line
+  // there never separates a base from its marks, an emoji sequence or a
+  // ligature.
+  int32_t ClusterCut(std::string_view line, int32_t characters) const;
+  // Every cursor position of the line with its x from the line's start, in
+  // visual order (left to right), and the cursor position nearest to x.
+  std::vector<CaretStop> CaretStops(std::string_view line) const;
+  int32_t CaretAt(std::string_view line, int32_t x) const;
 
   void DrawPicture(const Picture& picture, int32_t x, int32_t y,
                    PictureLook look = PictureLook::Normal, OLE_COLOR monochromeColor = 0);
@@ -124,6 +140,7 @@ class Canvas {
   std::shared_ptr<velt::Font> font_;
   float currentX_ = 0;
   float currentY_ = 0;
+  bool rightToLeft_ = false;
 };
 
 }  // namespace velt

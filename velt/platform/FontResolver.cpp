@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "velt/platform/FontFallback.hpp"
+
 namespace velt {
 
 namespace {
@@ -134,6 +136,15 @@ ResolvedFace FontResolver::Resolve(const std::string& family, int32_t weight, bo
   font = match(config_, request.get());
   if (!font) return {};  // no font installed at all: the renderer draws nothing
   return describe(font.get(), kDefaultFamily);
+}
+
+std::unique_ptr<FontFallback> FontResolver::Fallback(const std::string& family, int32_t weight,
+                                                     bool italic, double pixelSize) const {
+  const std::string wanted = family.empty() ? std::string(kDefaultFamily) : family;
+  PatternPtr request = requestPattern(config_, wanted, weight, italic, pixelSize);
+  FcResult result = FcResultNoMatch;
+  return std::make_unique<FontFallback>(
+      FcFontSort(config_, request.get(), FcTrue, nullptr, &result));
 }
 
 std::vector<std::string> FontResolver::Families() const {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 struct _FcConfig;
 
 namespace velt {
+
+class FontFallback;
 
 // The face file chosen for a font description.
 struct ResolvedFace {
@@ -31,6 +34,10 @@ class FontResolver {
   // face found may still lack the style (a family without a bold file).
   ResolvedFace Resolve(const std::string& family, int32_t weight, bool italic,
                        double pixelSize) const;
+  // fontconfig's sorted list of faces for the description, best first, each
+  // adding characters the ones before it lack.
+  std::unique_ptr<FontFallback> Fallback(const std::string& family, int32_t weight, bool italic,
+                                         double pixelSize) const;
   // Every family name of the installed fonts, sorted, without duplicates.
   std::vector<std::string> Families() const;
 

@@ -1,7 +1,5 @@
 #include "velt/platform/TextEngine.hpp"
 
-#include "velt/platform/Utf8.hpp"
-
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -12,10 +10,12 @@
 #include <memory>
 #include <unordered_map>
 
+#include "velt/platform/FontChain.hpp"
+#include "velt/platform/FontFallback.hpp"
 #include "velt/platform/FontResolver.hpp"
 #include "velt/platform/GlyphCache.hpp"
+#include "velt/platform/LineShaper.hpp"
 #include "velt/platform/SymbolFont.hpp"
-#include "velt/platform/Utf8.hpp"
 
 namespace velt {
 
@@ -23,31 +23,6 @@ namespace {
 
 constexpr int32_t kRegularWeight = 400;
 constexpr int32_t kBoldWeight = 550;  // where Font::Bold starts
-
-// Reads code points from UTF-8. Each maximal ill-formed subsequence becomes one
-// U+FFFD, so broken text still draws something in place of every bad byte run.
-class Utf8Reader {
- public:
-  explicit Utf8Reader(std::string_view text) : text_(text) {}
-
-  bool Next(char32_t& codePoint) {
-    if (pos_ >= text_.size()) return false;
-    const auto lead = static_cast<unsigned char>(text_[pos_]);
-    if (lead < 0x80) {  // captions are mostly ASCII: no call for them
-      codePoint = lead;
-      ++pos_;
-      return true;
-    }
-    const Utf8::Decoded decoded = Utf8::DecodeAt(text_, pos_);
-    codePoint = decoded.codePoint;
-    pos_ += decoded.length;
-    return true;
-  }
-
- private:
-  std::string_view text_;
-  size_t pos_ = 0;
-};
 
 struct Surface {
   uint32_t* pixels;
@@ -121,6 +96,30 @@ void blitGlyph(const Surface& surface, int64_t left, int64_t top, const Glyph& g
              coverage + ((y - top) * glyph.width + (x0 - left)) * kStride, x1 - x0, color);
 }
 
+// A colour glyph's premultiplied pixels over the image: dst = src + dst * (255 - alpha) / 255.
+void blitColor(const Surface& surface, int64_t left, int64_t top, const Glyph& glyph,
+               const uint32_t* colors) {
+  const int64_t x0 = std::max<int64_t>(left, 0);
+  const int64_t x1 = std::min<int64_t>(left + glyph.width, surface.width);
+  const int64_t y0 = std::max<int64_t>(top, 0);
+  const int64_t y1 = std::min<int64_t>(top + glyph.height, surface.height);
+  for (int64_t y = y0; y < y1; ++y) {
+    uint32_t* dst = surface.pixels + y * surface.width;
+    const uint32_t* src = colors + (y - top) * glyph.width - left;
+    for (int64_t x = x0; x < x1; ++x) {
+      const uint32_t s = src[x];
+      const uint32_t keep = 255 - (s >> 24);
+      uint32_t out = 0;
+      for (int shift = 0; shift < 24; shift += 8) {
+        const uint32_t channel =
+            ((s >> shift) & 0xFF) + (((dst[x] >> shift) & 0xFF) * keep + 127) / 255;
+        out |= std::min<uint32_t>(channel, 255) << shift;
+      }
+      dst[x] = out;
+    }
+  }
+}
+
 void fillBand(const Surface& surface, int64_t left, int64_t right, int64_t top, int32_t rows,
               uint32_t rgb) {
   const int64_t x0 = std::max<int64_t>(left, 0);
@@ -151,11 +150,24 @@ int32_t weightOf(const Font& font) {
 
 }  // namespace
 
+// Lines are looked up by their text without building a key string.
+struct TextHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+};
+using LineCache = std::unordered_map<std::string, ShapedLine, TextHash, std::equal_to<>>;
+
+// Shaped lines kept per font before the cache starts over.
+constexpr size_t kMaxCachedLines = 2048;
+
 struct TextEngine::Impl {
-  // A font description resolved to its glyph cache.
+  // A font description resolved to its faces and its shaped lines, one cache
+  // for each paragraph direction rule.
   struct Resolved {
     GlyphCache* cache = nullptr;
     std::string family;
+    std::unique_ptr<FontChain> chain;
+    LineCache lines[2];
   };
   // The last few fonts seen, compared field by field so the usual call finds
   // its cache without building a key.
@@ -169,6 +181,7 @@ struct TextEngine::Impl {
 
   Impl() { FT_Init_FreeType(&library); }
   ~Impl() {
+    lookups.clear();
     caches.clear();  // their sizes belong to the faces
     for (auto& [key, face] : faces)
       if (face) FT_Done_Face(face);
@@ -193,14 +206,35 @@ struct TextEngine::Impl {
     const std::string key = lowerAscii(font.Name()) + '\n' + std::to_string(pixels) + '\n' +
                             std::to_string(weight) + (font.Italic() ? "i" : "r");
     auto found = lookups.find(key);
-    if (found != lookups.end()) return found->second;
+    if (found != lookups.end()) return *found->second;
 
     const bool symbol = SymbolFont::IsSymbolFont(font.Name());
     const std::string family = symbol ? FontResolver::kDefaultFamily : font.Name();
     const ResolvedFace face = resolver.Resolve(family, weight, font.Italic(), pixels);
     GlyphStyle style{weight >= kBoldWeight, font.Italic(), symbol};
-    Resolved resolved{&cacheFor(face, pixels, style), symbol ? SymbolFont::kName : face.family};
-    return lookups.emplace(key, std::move(resolved)).first->second;
+    auto resolved = std::make_unique<Resolved>();
+    resolved->cache = &cacheFor(face, pixels, style);
+    resolved->family = symbol ? SymbolFont::kName : face.family;
+    const GlyphStyle fallbackStyle{style.bold, style.italic, false};
+    const bool italic = font.Italic();
+    resolved->chain = std::make_unique<FontChain>(
+        resolved->cache,
+        [this, family, weight, italic, pixels](bool emoji) {
+          return &fallbackFor(emoji ? "emoji" : family, weight, italic, pixels);
+        },
+        [this, pixels, fallbackStyle](const ResolvedFace& fallback) {
+          return &cacheFor(fallback, pixels, fallbackStyle);
+        });
+    return *lookups.emplace(key, std::move(resolved)).first->second;
+  }
+
+  const FontFallback& fallbackFor(const std::string& family, int32_t weight, bool italic,
+                                  int32_t pixels) {
+    const std::string key = lowerAscii(family) + '\n' + std::to_string(weight) +
+                            (italic ? "i" : "r") + std::to_string(pixels);
+    auto found = fallbacks.find(key);
+    if (found != fallbacks.end()) return *found->second;
+    return *fallbacks.emplace(key, resolver.Fallback(family, weight, italic, pixels)).first->second;
   }
 
   GlyphCache& cacheFor(const ResolvedFace& face, int32_t pixels, GlyphStyle style) {
@@ -225,11 +259,23 @@ struct TextEngine::Impl {
     return opened;
   }
 
+  const ShapedLine& shape(const Font& font, std::string_view line, bool rightToLeft) {
+    Resolved& resolved = resolve(font);
+    LineCache& lines = resolved.lines[rightToLeft ? 1 : 0];
+    auto found = lines.find(line);
+    if (found != lines.end()) return found->second;
+    if (lines.size() >= kMaxCachedLines) lines.clear();
+    ShapedLine shaped = shaper.Shape(*resolved.chain, line, rightToLeft);
+    return lines.emplace(std::string(line), std::move(shaped)).first->second;
+  }
+
   FT_Library library = nullptr;
   FontResolver resolver;
+  LineShaper shaper;
   std::unordered_map<std::string, FT_Face> faces;
   std::unordered_map<std::string, std::unique_ptr<GlyphCache>> caches;
-  std::unordered_map<std::string, Resolved> lookups;
+  std::unordered_map<std::string, std::unique_ptr<FontFallback>> fallbacks;
+  std::unordered_map<std::string, std::unique_ptr<Resolved>> lookups;
   std::array<Recent, 8> recent;
   size_t nextRecent = 0;
 };
@@ -249,40 +295,42 @@ LineMetrics TextEngine::Metrics(const Font& font) {
   return impl_->resolve(font).cache->Metrics();
 }
 
-int32_t TextEngine::LineWidth(const Font& font, std::string_view line) {
-  GlyphCache& cache = *impl_->resolve(font).cache;
-  Utf8Reader reader(line);
-  int64_t width = 0;
-  char32_t codePoint = 0;
-  while (reader.Next(codePoint))
-    width += cache.Get(codePoint).advance;
-  return static_cast<int32_t>(std::clamp<int64_t>(width, INT32_MIN, INT32_MAX));
+int32_t TextEngine::LineWidth(const Font& font, std::string_view line, bool rightToLeft) {
+  return impl_->shape(font, line, rightToLeft).width;
+}
+
+const ShapedLine& TextEngine::Shape(const Font& font, std::string_view line, bool rightToLeft) {
+  return impl_->shape(font, line, rightToLeft);
 }
 
 void TextEngine::DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32_t x, int32_t y,
-                          uint32_t rgb, const Font& font, std::string_view line) {
+                          uint32_t rgb, const Font& font, std::string_view line, bool rightToLeft) {
   if (!pixels || width <= 0 || height <= 0) return;
   const Surface surface{pixels, width, height};
   rgb &= 0xFFFFFFu;
-  GlyphCache& cache = *impl_->resolve(font).cache;
-  const int64_t baseline = static_cast<int64_t>(y) + cache.Metrics().ascent;
+  const ShapedLine& shaped = impl_->shape(font, line, rightToLeft);
+  const GlyphCache& primary = *impl_->resolve(font).cache;
+  const int64_t baseline = static_cast<int64_t>(y) + primary.Metrics().ascent;
 
   const PairLanes color = colorLanes(rgb);
-  Utf8Reader reader(line);
-  int64_t pen = x;
-  char32_t codePoint = 0;
-  while (reader.Next(codePoint)) {
-    const Glyph& glyph = cache.Get(codePoint);
-    if (glyph.width > 0)
-      blitGlyph(surface, pen + glyph.left, baseline - glyph.top, glyph, cache.CoverageLanes(glyph),
-                color);
-    pen += glyph.advance;
+  for (const PlacedGlyph& placed : shaped.glyphs) {
+    const Glyph& glyph = placed.cache->Get(placed.index);
+    if (glyph.width <= 0) continue;
+    const int64_t left = int64_t{x} + placed.x + glyph.left;
+    const int64_t top = baseline - placed.y - glyph.top;
+    if (glyph.color)
+      blitColor(surface, left, top, glyph, placed.cache->ColorPixels(glyph));
+    else
+      blitGlyph(surface, left, top, glyph, placed.cache->CoverageLanes(glyph), color);
   }
 
+  const int64_t end = int64_t{x} + shaped.width;
   if (font.Underline())
-    fillBand(surface, x, pen, baseline + cache.Underline().top, cache.Underline().thickness, rgb);
+    fillBand(surface, x, end, baseline + primary.Underline().top, primary.Underline().thickness,
+             rgb);
   if (font.Strikethrough())
-    fillBand(surface, x, pen, baseline + cache.Strikeout().top, cache.Strikeout().thickness, rgb);
+    fillBand(surface, x, end, baseline + primary.Strikeout().top, primary.Strikeout().thickness,
+             rgb);
 }
 
 std::string TextEngine::ResolvedFamily(const Font& font) {
@@ -296,6 +344,9 @@ std::vector<std::string> TextEngine::ScreenFonts() {
 void TextEngine::ClearCache() {
   for (auto& [key, cache] : impl_->caches)
     cache->Clear();
+  for (auto& [key, resolved] : impl_->lookups)
+    for (LineCache& lines : resolved->lines)
+      lines.clear();
 }
 
 }  // namespace velt

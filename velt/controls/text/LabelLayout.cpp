@@ -19,14 +19,30 @@ int32_t wholePixels(double value) {
   return static_cast<int32_t>(std::min(rounded, kLimit));
 }
 
+// Characters looked at past the 1000 of a wrapped line to find where the
+// cluster the cut falls into ends.
+constexpr int32_t kClusterLookAhead = 32;
+
 // A blank byte is always a character of its own in UTF-8 (it is never part of
-// a longer sequence), so searching bytes finds character positions.
-int32_t lastBlankAtOrBefore(const std::string& text, int32_t position) {
-  if (position < 1) return 0;
-  const std::string head = Left(text, position);
-  const size_t blank = head.rfind(' ');
-  if (blank == std::string::npos) return 0;
-  return Len(std::string_view(head).substr(0, blank + 1));
+// a longer sequence), so searching bytes finds character positions. A blank
+// counts only where a line may end after it: not when a mark follows it.
+int32_t lastBlankAtOrBefore(const Canvas& surface, const std::string& text, int32_t position) {
+  std::string head = Left(text, position);
+  while (!head.empty()) {
+    const size_t blank = head.rfind(' ');
+    if (blank == std::string::npos) return 0;
+    const int32_t after = Len(std::string_view(head).substr(0, blank + 1));
+    if (surface.ClusterCut(text, after) == after) return after;
+    head.resize(blank);
+  }
+  return 0;
+}
+
+// The first `characters` characters of text, fewer where the cut would fall
+// inside a cluster.
+std::string clusterLeft(const Canvas& surface, std::string_view text, int32_t characters) {
+  const std::string window = Left(text, characters + kClusterLookAhead);
+  return Left(window, surface.ClusterCut(window, characters));
 }
 
 std::string withoutMarkers(std::string text) {
@@ -41,11 +57,14 @@ std::string withoutMarkers(std::string text) {
 std::string MarkLineBreaks(std::string_view caption) {
   std::string marked;
   marked.reserve(caption.size());
-  for (char c : caption) {
-    if (c == '\r')
+  for (size_t i = 0; i < caption.size(); ++i) {
+    if (caption.substr(i, kLineBreakMarker.size()) == kLineBreakMarker) {
+      i += kLineBreakMarker.size() - 1;
+    } else if (caption[i] == '\r') {
       marked += kLineBreakMarker;
-    else if (c != '\n')
-      marked += c;
+    } else if (caption[i] != '\n') {
+      marked += caption[i];
+    }
   }
   return marked;
 }
@@ -54,12 +73,15 @@ std::string MarkLineBreaks(std::string_view caption) {
 // the first n - 3 - k characters followed by "...", and the loop stops at the
 // first pass that is narrower than width or at "..." itself. A shorter text is
 // never wider than a longer one that starts with it, so that pass is found by
-// bisection rather than by one measurement per character.
+// bisection rather than by one measurement per character. Each pass cuts at
+// the cluster boundary at or before its length.
 std::string FitText(const Canvas& surface, const std::string& text, int32_t width) {
   if (surface.TextWidth(text) <= width) return text;
   const int32_t n = Len(text);
   if (n < 4) return text;
-  const auto pass = [&](int32_t k) { return Left(text, n - 3 - k) + std::string(kEllipsis); };
+  const auto pass = [&](int32_t k) {
+    return Left(text, surface.ClusterCut(text, n - 3 - k)) + std::string(kEllipsis);
+  };
   int32_t low = 1;
   int32_t high = n - 3;  // "...": the loop always stops there
   while (low < high) {
@@ -73,11 +95,11 @@ std::string FitText(const Canvas& surface, const std::string& text, int32_t widt
 }
 
 WrappedLine NextLine(const Canvas& surface, std::string_view text, int32_t width) {
-  const std::string head = Left(text, kMaxLineCharacters);
+  const std::string head = clusterLeft(surface, text, kMaxLineCharacters);
   std::string candidate = head;
   int32_t position = Len(head);
   while (surface.TextWidth(candidate) >= width) {
-    const int32_t blank = lastBlankAtOrBefore(head, position);
+    const int32_t blank = lastBlankAtOrBefore(surface, head, position);
     if (blank == 0) break;
     candidate = Left(head, blank);
     position = blank - 1;
