@@ -343,7 +343,8 @@ TEST_F(LabelLayoutTest, EllipsisKeepsTheLongestHeadThatStaysStrictlyInside) {
 
 // The candidate, its trailing blank included, must be narrower than the width;
 // the blank after the last word is used up; a word wider than the line stays
-// whole; a marker ends the line; a line takes at most 1000 characters.
+// whole; a marker ends the line and no letter is taken for one; a blank
+// carrying a mark is no break; a line takes at most 1000 characters.
 TEST_F(LabelLayoutTest, LineBreaksAfterTheLastBlankThatFits) {
   const std::string text = "alpha beta gamma delta";
   const struct {
@@ -354,12 +355,40 @@ TEST_F(LabelLayoutTest, LineBreaksAfterTheLastBlankThatFits) {
                {text, width("alpha beta "), 6, "alpha"},
                {"Antidisestablishmentarianism is long", 20, 29, "Antidisestablishmentarianism"},
                {"one" + std::string(kLineBreakMarker) + "two three", 500, 4, "one"},
+               {MarkLineBreaks("Citro\xC3\xABn Zo\xC3\xAB"), 500, 11, "Citro\xC3\xABn Zo\xC3\xAB"},
+               {"alpha \xCC\x81"
+                "beta gamma",
+                width("alpha ") + 1, 12,
+                "alpha \xCC\x81"
+                "beta"},
                {std::string(1500, 'i'), 1 << 30, kMaxLineCharacters, std::string(1000, 'i')}};
   for (const auto& c : cases) {
     const WrappedLine next = NextLine(canvas, c.text, c.width);
     EXPECT_EQ(next.consumed, c.consumed) << c.text.substr(0, 40) << " in " << c.width;
     EXPECT_EQ(next.line, c.line);
   }
+}
+
+// Cuts fall between clusters: the kept head of accented letters ends on its
+// last accent, of five-part family emoji on a whole family; the caption's own
+// copies of the marker are dropped. (Wrapping at a blank that carries a mark
+// is in the table above.)
+TEST_F(LabelLayoutTest, EllipsisNeverSplitsAClusterAndTheMarkerIsTheCaptionsOwnBreak) {
+  const std::string family =
+      "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7";
+  std::string accents, families;
+  for (int i = 0; i < 12; ++i)
+    accents += "e\xCC\x81", families += family;
+  for (int32_t limit = 6; limit < std::min(width(accents), width(families)); limit += 3) {
+    const std::string head = FitText(canvas, accents, limit);
+    if (head != "...") {
+      EXPECT_EQ(Right(head, 4), "\xCC\x81...") << limit;
+    }
+    EXPECT_EQ((Len(FitText(canvas, families, limit)) - 3) % 5, 0) << limit;
+  }
+  EXPECT_EQ(MarkLineBreaks("a\xEE\x80\x80"
+                           "b\r\nc"),
+            "ab" + std::string(kLineBreakMarker) + "c");
 }
 
 // A line is printed while its centre, top + k * line + line / 2, is at most

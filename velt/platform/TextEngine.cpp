@@ -344,6 +344,10 @@ std::vector<std::string> TextEngine::ScreenFonts() {
 void TextEngine::ClearCache() {
   for (auto& [key, cache] : impl_->caches)
     cache->Clear();
+  ClearShapedLines();
+}
+
+void TextEngine::ClearShapedLines() {
   for (auto& [key, resolved] : impl_->lookups)
     for (LineCache& lines : resolved->lines)
       lines.clear();

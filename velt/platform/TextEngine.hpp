@@ -54,6 +54,9 @@ class TextEngine {
   // so the next drawing lays out and renders afresh. For benchmarks of the
   // uncached path.
   void ClearCache();
+  // Forgets the shaped lines only: the next drawing lays out afresh with the
+  // glyphs already rendered.
+  void ClearShapedLines();
 
   ~TextEngine();
   TextEngine(const TextEngine&) = delete;
