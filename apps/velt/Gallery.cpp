@@ -53,6 +53,7 @@ Gallery::Gallery(std::shared_ptr<WindowSystem> system)
   addLabels(295);
   addPickers(375);
   addMenu(375);
+  addScripts(510);
   form_->FindSite(kFocusedName)->SetFocus();
   startCycle();
 }
@@ -181,6 +182,28 @@ void Gallery::addLabels(int32_t top) {
   icon->ImageIndex(kInfoIcon);
   label("labelLink", 310, 1, 130, 20, "A hyperlink")->Hyperlink("https://example.com/");
   label("labelDisabled", 455, 0, 120, 20, "Disabled")->Enabled(false);
+}
+
+// One caption per script: shaping (Arabic joining), right-to-left order
+// (Hebrew, Arabic), fallback faces (CJK) and colour emoji.
+void Gallery::addScripts(int32_t top) {
+  heading("headingScripts", "Scripts", top);
+  const char* const captions[] = {
+      "Na\xC3\xAFve caf\xC3\xA9",                                            // Latin
+      "\xCE\x9A\xCE\xB1\xCE\xBB\xCE\xB7\xCE\xBC\xCE\xAD\xCF\x81\xCE\xB1",    // Greek
+      "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82",                    // Cyrillic
+      "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D \xD7\xA2\xD7\x95\xD7\x9C\xD7\x9D",   // Hebrew
+      "\xD9\x85\xD8\xB1\xD8\xAD\xD8\xA8\xD8\xA7 \xD8\xA8\xD9\x83",           // Arabic
+      "\xE4\xBD\xA0\xE5\xA5\xBD\xEF\xBC\x8C\xE4\xB8\x96\xE7\x95\x8C",        // CJK
+      "\xF0\x9F\x98\x80 \xF0\x9F\x91\x8D\xF0\x9F\x8F\xBD \xF0\x9F\x8E\x89",  // emoji
+  };
+  int32_t left = kColumn;
+  int column = 0;
+  for (const char* caption : captions) {
+    const std::string name = "labelScript" + std::to_string(++column);
+    add<veltLabel>(name.c_str(), left, top, 78, 20)->Caption(caption);
+    left += 84;
+  }
 }
 
 void Gallery::addPickers(int32_t top) {

@@ -34,7 +34,7 @@ namespace tool {
 class Gallery {
  public:
   static constexpr int32_t kWidth = 780;
-  static constexpr int32_t kHeight = 510;
+  static constexpr int32_t kHeight = 545;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
   static constexpr int16_t kCycleStep = 2;
@@ -69,6 +69,7 @@ class Gallery {
   void addScrollBars(int32_t top);
   void addLabels(int32_t top);
   void addPickers(int32_t top);
+  void addScripts(int32_t top);
   void addMenu(int32_t top);
   void fillMenu(MenuItems& items);
   void openMenu();
