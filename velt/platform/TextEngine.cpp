@@ -259,14 +259,24 @@ struct TextEngine::Impl {
     return opened;
   }
 
-  const ShapedLine& shape(const Font& font, std::string_view line, bool rightToLeft) {
-    Resolved& resolved = resolve(font);
+  // A caption is usually measured and then drawn: the line asked for last is
+  // compared before the cache is hashed.
+  const ShapedLine& shape(Resolved& resolved, std::string_view line, bool rightToLeft) {
+    if (last.line && last.resolved == &resolved && last.rightToLeft == rightToLeft &&
+        *last.text == line)
+      return *last.line;
     LineCache& lines = resolved.lines[rightToLeft ? 1 : 0];
     auto found = lines.find(line);
-    if (found != lines.end()) return found->second;
-    if (lines.size() >= kMaxCachedLines) lines.clear();
-    ShapedLine shaped = shaper.Shape(*resolved.chain, line, rightToLeft);
-    return lines.emplace(std::string(line), std::move(shaped)).first->second;
+    if (found == lines.end()) {
+      if (lines.size() >= kMaxCachedLines) lines.clear();
+      ShapedLine shaped = shaper.Shape(*resolved.chain, line, rightToLeft);
+      found = lines.emplace(std::string(line), std::move(shaped)).first;
+    }
+    last = {&resolved, rightToLeft, &found->first, &found->second};
+    return found->second;
+  }
+  const ShapedLine& shape(const Font& font, std::string_view line, bool rightToLeft) {
+    return shape(resolve(font), line, rightToLeft);
   }
 
   FT_Library library = nullptr;
@@ -278,6 +288,12 @@ struct TextEngine::Impl {
   std::unordered_map<std::string, std::unique_ptr<Resolved>> lookups;
   std::array<Recent, 8> recent;
   size_t nextRecent = 0;
+  struct LastLine {
+    Resolved* resolved = nullptr;
+    bool rightToLeft = false;
+    const std::string* text = nullptr;
+    const ShapedLine* line = nullptr;
+  } last;
 };
 
 TextEngine& TextEngine::Instance() {
@@ -308,8 +324,9 @@ void TextEngine::DrawLine(uint32_t* pixels, int32_t width, int32_t height, int32
   if (!pixels || width <= 0 || height <= 0) return;
   const Surface surface{pixels, width, height};
   rgb &= 0xFFFFFFu;
-  const ShapedLine& shaped = impl_->shape(font, line, rightToLeft);
-  const GlyphCache& primary = *impl_->resolve(font).cache;
+  Impl::Resolved& resolved = impl_->resolve(font);
+  const ShapedLine& shaped = impl_->shape(resolved, line, rightToLeft);
+  const GlyphCache& primary = *resolved.cache;
   const int64_t baseline = static_cast<int64_t>(y) + primary.Metrics().ascent;
 
   const PairLanes color = colorLanes(rgb);
@@ -348,6 +365,7 @@ void TextEngine::ClearCache() {
 }
 
 void TextEngine::ClearShapedLines() {
+  impl_->last = {};
   for (auto& [key, resolved] : impl_->lookups)
     for (LineCache& lines : resolved->lines)
       lines.clear();
