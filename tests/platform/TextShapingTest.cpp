@@ -188,7 +188,11 @@ TEST(TextShaping, EmojiAreDrawnInColourAtTheLineSize) {
   }
 }
 
+// Also: a line too long for the line cache is laid out all the same.
 TEST(TextShaping, CharactersNoFontHasDrawTheMissingGlyphBox) {
+  const std::string longLine(20000, 'a');
+  EXPECT_EQ(shaped(longLine).width, 20000 * shaped("a").width);
+  EXPECT_EQ(shaped(longLine).length, 20000);
   for (const char* text : {"\xF4\x8F\xBF\xBD", "\xCD\xB8",
                            "a\xF4\x8F\xBF\xBD"
                            "b",

@@ -157,8 +157,10 @@ struct TextHash {
 };
 using LineCache = std::unordered_map<std::string, ShapedLine, TextHash, std::equal_to<>>;
 
-// Shaped lines kept per font before the cache starts over.
+// Shaped lines kept per font before the cache starts over, and the longest
+// line kept: the cache stays small whatever the captions are.
 constexpr size_t kMaxCachedLines = 2048;
+constexpr size_t kMaxCachedLineBytes = 16384;
 
 struct TextEngine::Impl {
   // A font description resolved to its faces and its shaped lines, one cache
@@ -265,6 +267,12 @@ struct TextEngine::Impl {
     if (last.line && last.resolved == &resolved && last.rightToLeft == rightToLeft &&
         *last.text == line)
       return *last.line;
+    if (line.size() > kMaxCachedLineBytes) {  // laid out each time, never kept
+      longText.assign(line);
+      longLine = shaper.Shape(*resolved.chain, line, rightToLeft);
+      last = {&resolved, rightToLeft, &longText, &longLine};
+      return longLine;
+    }
     LineCache& lines = resolved.lines[rightToLeft ? 1 : 0];
     auto found = lines.find(line);
     if (found == lines.end()) {
@@ -288,6 +296,8 @@ struct TextEngine::Impl {
   std::unordered_map<std::string, std::unique_ptr<Resolved>> lookups;
   std::array<Recent, 8> recent;
   size_t nextRecent = 0;
+  std::string longText;
+  ShapedLine longLine;
   struct LastLine {
     Resolved* resolved = nullptr;
     bool rightToLeft = false;
