@@ -93,7 +93,7 @@ uint32_t GlyphCache::GlyphIndex(char32_t codePoint) const {
 // pixels, unhinted; the drawing keeps the hinted advances and adds only what
 // shaping changed (kerning, marks set on their base).
 void GlyphCache::createShapingFont() {
-  if (!face_) return;
+  if (!face_ || !FT_IS_SFNT(face_)) return;  // HarfBuzz reads OpenType tables
   hb_face_t* hbFace = hb_ft_face_create_referenced(face_);
   hbFont_ = hb_font_create(hbFace);
   hb_face_destroy(hbFace);

@@ -77,7 +77,8 @@ class GlyphCache {
   uint32_t GlyphIndex(char32_t codePoint) const;
   bool HasCharacter(char32_t codePoint) const { return GlyphIndex(codePoint) != 0; }
   bool SymbolDigits() const { return symbolDigits_; }
-  // The shaping font (nullptr without a face); positions in 26.6 pixels.
+  // The shaping font (nullptr without a face or for a face that is not an
+  // OpenType/TrueType file); positions in 26.6 pixels.
   hb_font_t* ShapingFont() const { return hbFont_; }
   // A colour glyph's premultiplied pixels. Valid like CoverageLanes.
   const uint32_t* ColorPixels(const Glyph& glyph) const { return colors_.data() + glyph.offset; }

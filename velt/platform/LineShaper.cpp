@@ -192,12 +192,19 @@ void LineShaper::shapeItem(const Item& item, bool rightToLeft, ShapedLine& line,
   }
 }
 
-// Without a face (no font installed at all) every character is an empty
-// cluster of its own.
+// A face HarfBuzz cannot read (a bitmap or Type 1 font, or none installed at
+// all) draws glyph by glyph from its character map, each character a cluster.
 void LineShaper::placeUnshaped(const Item& item, bool rightToLeft, ShapedLine& line, int32_t& pen) {
   for (int32_t i = 0; i < item.end - item.start; ++i) {
     const int32_t p = rightToLeft ? item.end - 1 - i : item.start + i;
+    const char32_t c = text_[static_cast<size_t>(p)];
+    const uint32_t index = item.face->SymbolDigits() && SymbolFont::HasGlyph(c)
+                               ? GlyphCache::kSymbolGlyph | c
+                               : item.face->GlyphIndex(c);
+    line.glyphs.push_back({item.face, index, pen, 0});
     line.clusters.push_back({p, p + 1, pen, pen, rightToLeft});
+    pen += item.face->Get(index).advance;
+    line.clusters.back().right = pen;
   }
 }
 
