@@ -1,0 +1,149 @@
+#include "velt/platform/JsonText.hpp"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "velt/platform/Error.hpp"
+
+namespace velt {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+constexpr size_t kMaxPointerPart = 60;
+
+std::string withoutLibraryPrefix(const std::string& message) {
+  // nlohmann's messages start with "[json.exception.parse_error.101] ".
+  if (!message.empty() && message.front() == '[') {
+    const auto end = message.find("] ");
+    if (end != std::string::npos) return message.substr(end + 2);
+  }
+  return message;
+}
+
+size_t characterBoundary(std::string_view text, size_t at) {
+  while (at > 0 && at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80)
+    --at;
+  return at;
+}
+
+// The DOM builder of the library with a watch on depth and keys; it keeps the
+// path to where it is, for messages.
+class CheckedBuilder {
+ public:
+  explicit CheckedBuilder(Json& result) : dom_(result, true) {}
+
+  bool null() { return value() && dom_.null(); }
+  bool boolean(bool v) { return value() && dom_.boolean(v); }
+  bool number_integer(Json::number_integer_t v) { return value() && dom_.number_integer(v); }
+  bool number_unsigned(Json::number_unsigned_t v) { return value() && dom_.number_unsigned(v); }
+  bool number_float(Json::number_float_t v, const std::string& s) {
+    return value() && dom_.number_float(v, s);
+  }
+  bool string(std::string& v) { return value() && dom_.string(v); }
+  bool binary(Json::binary_t& v) { return value() && dom_.binary(v); }
+
+  bool start_object(size_t count) {
+    value();
+    open(false);
+    return dom_.start_object(count);
+  }
+  bool key(std::string& name) {
+    Level& level = levels_.back();
+    level.part = name;
+    if (!level.keys.insert(name).second) fail("the key " + QuotedPrefix(name) + " appears twice");
+    return dom_.key(name);
+  }
+  bool end_object() {
+    levels_.pop_back();
+    return dom_.end_object();
+  }
+  bool start_array(size_t count) {
+    value();
+    open(true);
+    return dom_.start_array(count);
+  }
+  bool end_array() {
+    levels_.pop_back();
+    return dom_.end_array();
+  }
+
+  bool parse_error(size_t, const std::string&, const nlohmann::detail::exception& error) {
+    throw Error(errTypeMismatch, "/: not valid JSON: " + withoutLibraryPrefix(error.what()));
+  }
+
+ private:
+  struct Level {
+    bool array = false;
+    size_t next = 0;  // the index of the next element of an array
+    std::string part;
+    std::unordered_set<std::string> keys;
+  };
+
+  bool value() {
+    if (!levels_.empty() && levels_.back().array)
+      levels_.back().part = std::to_string(levels_.back().next++);
+    return true;
+  }
+
+  void open(bool array) {
+    if (levels_.size() >= kMaxJsonDepth)
+      fail("nested deeper than " + std::to_string(kMaxJsonDepth) + " levels");
+    levels_.push_back(Level{array, 0, {}, {}});
+  }
+
+  // The pointer of the value being read: each open level's current element.
+  [[noreturn]] void fail(const std::string& problem) const {
+    std::vector<std::string> parts;
+    parts.reserve(levels_.size());
+    for (const Level& level : levels_)
+      parts.push_back(level.part);
+    throw Error(errTypeMismatch, JsonPointerText(parts) + ": " + problem);
+  }
+
+  nlohmann::detail::json_sax_dom_parser<Json> dom_;
+  std::vector<Level> levels_;
+};
+
+}  // namespace
+
+Json ParseJsonText(std::string_view text) {
+  Json result;
+  CheckedBuilder builder(result);
+  try {
+    Json::sax_parse(text.begin(), text.end(), &builder);
+  } catch (const Json::exception& error) {
+    throw Error(errTypeMismatch, "/: not valid JSON: " + withoutLibraryPrefix(error.what()));
+  }
+  return result;
+}
+
+std::string JsonPointerText(const std::vector<std::string>& parts) {
+  if (parts.empty()) return "/";
+  std::string pointer;
+  for (const std::string& whole : parts) {
+    pointer += '/';
+    const std::string_view part(whole.data(),
+                                characterBoundary(whole, std::min(whole.size(), kMaxPointerPart)));
+    for (char c : part) {
+      if (c == '~')
+        pointer += "~0";
+      else if (c == '/')
+        pointer += "~1";
+      else
+        pointer += c;
+    }
+    if (part.size() < whole.size()) pointer += "...";
+  }
+  return pointer;
+}
+
+std::string QuotedPrefix(std::string_view text, size_t maxBytes) {
+  if (text.size() <= maxBytes) return "\"" + std::string(text) + "\"";
+  const size_t cut = characterBoundary(text, maxBytes);
+  return "\"" + std::string(text.substr(0, cut)) + "...\" (" + std::to_string(text.size()) +
+         " bytes)";
+}
+
+}  // namespace velt
