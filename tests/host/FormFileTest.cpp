@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -308,6 +310,51 @@ TEST_F(FormFileTest, PicturesAreSharedAndWithinAPixelBudget) {
       test::errorOf(errInvalidPicture, [&] { parse(withImage("huge.png")); });
   EXPECT_NE(message.find("/imageLists/0/images/0/file: "), std::string::npos) << message;
   EXPECT_NE(message.find("16384x16384 pixels, more than"), std::string::npos) << message;
+}
+
+// Memory running out while a file is read is error 7 naming the file and the
+// JSON path reached, not an unexpected failure. Run in a child process whose
+// address space is limited; the sanitizers reserve more address space than
+// any limit would leave, so the test cannot run under them.
+TEST_F(FormFileTest, RunningOutOfMemoryNamesTheFileAndThePlace) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "address space limits do not work under the address sanitizer";
+#else
+  const std::string text = R"({"version": 1, "width": 9, "height": 9, "controls": [)" +
+                           repeated("[],", 6'000'000) + "[]]}";
+  int channel[2];
+  ASSERT_EQ(::pipe(channel), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::close(channel[0]);
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t room = static_cast<rlim_t>(pages) * ::sysconf(_SC_PAGESIZE) + (96 << 20);
+    const struct rlimit limit { room, room };
+    ::setrlimit(RLIMIT_AS, &limit);
+    std::string message = "no error";
+    try {
+      parse(text);
+    } catch (const Error& error) {
+      message = std::to_string(error.Number()) + " " + error.Description();
+    }
+    const ssize_t written = ::write(channel[1], message.data(), message.size());
+    ::_exit(written > 0 ? 0 : 1);
+  }
+  ::close(channel[1]);
+  std::string message;
+  char buffer[512];
+  for (ssize_t got; (got = ::read(channel[0], buffer, sizeof buffer)) > 0;)
+    message.append(buffer, static_cast<size_t>(got));
+  ::close(channel[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status)) << "the child died: " << status;
+  const std::string expected = "7 " + (folder / "form.json").string() + ": /controls/";
+  EXPECT_EQ(message.rfind(expected, 0), 0u) << message;
+  EXPECT_NE(message.find(": out of memory"), std::string::npos) << message;
+#endif
 }
 
 // Pictures saved with a form stay in the output's folder or below it; a

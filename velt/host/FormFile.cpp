@@ -332,7 +332,7 @@ class Reader {
     const bool scaling = width != decoded->Width() || height != decoded->Height();
     const uint64_t pixels = scaling ? uint64_t(width) * uint64_t(height) : 0;
     if (pixels > kMaxPicturePixels - usedPixels_)
-      throw Error(errOutOfMemory, "the pictures of the form file take more than " +
+      throw Error(errInvalidPicture, "the pictures of the form file take more than " +
                                       std::to_string(kMaxPicturePixels) + " pixels");
     const std::shared_ptr<ListImage> item = list.ListImages().Add(decoded, key);
     usedPixels_ += pixels;

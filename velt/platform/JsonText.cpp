@@ -1,6 +1,7 @@
 #include "velt/platform/JsonText.hpp"
 
 #include <algorithm>
+#include <new>
 #include <unordered_set>
 #include <utility>
 
@@ -28,41 +29,86 @@ size_t characterBoundary(std::string_view text, size_t at) {
   return at;
 }
 
+// Frees a document without allocating: the library's own destructor takes a
+// list as long as the largest array to walk it, which fails when memory has
+// just run out. The depth limit bounds this recursion.
+void releaseWithoutAllocating(Json& value) {
+  if (value.is_array()) {
+    auto& items = value.get_ref<Json::array_t&>();
+    while (!items.empty()) {
+      releaseWithoutAllocating(items.back());
+      items.pop_back();
+    }
+  } else if (value.is_object()) {
+    auto& members = value.get_ref<Json::object_t&>();
+    while (!members.empty()) {
+      releaseWithoutAllocating(members.back().second);
+      members.pop_back();
+    }
+  }
+}
+
 // The DOM builder of the library with a watch on depth and keys; it keeps the
 // path to where it is, for messages.
 class CheckedBuilder {
  public:
-  explicit CheckedBuilder(Json& result) : dom_(result, true) {}
+  explicit CheckedBuilder(Json& result) : result_(result), dom_(result, true) {}
 
-  bool null() { return value() && dom_.null(); }
-  bool boolean(bool v) { return value() && dom_.boolean(v); }
-  bool number_integer(Json::number_integer_t v) { return value() && dom_.number_integer(v); }
-  bool number_unsigned(Json::number_unsigned_t v) { return value() && dom_.number_unsigned(v); }
-  bool number_float(Json::number_float_t v, const std::string& s) {
-    return value() && dom_.number_float(v, s);
+  // Memory ran out: what was built is freed first, so that the message can be
+  // made and the unwinding needs no memory.
+  [[noreturn]] void outOfMemory() {
+    releaseWithoutAllocating(result_);
+    fail(errOutOfMemory, "out of memory");
   }
-  bool string(std::string& v) { return value() && dom_.string(v); }
-  bool binary(Json::binary_t& v) { return value() && dom_.binary(v); }
+
+  bool null() {
+    return guarded([&] { return value() && dom_.null(); });
+  }
+  bool boolean(bool v) {
+    return guarded([&] { return value() && dom_.boolean(v); });
+  }
+  bool number_integer(Json::number_integer_t v) {
+    return guarded([&] { return value() && dom_.number_integer(v); });
+  }
+  bool number_unsigned(Json::number_unsigned_t v) {
+    return guarded([&] { return value() && dom_.number_unsigned(v); });
+  }
+  bool number_float(Json::number_float_t v, const std::string& s) {
+    return guarded([&] { return value() && dom_.number_float(v, s); });
+  }
+  bool string(std::string& v) {
+    return guarded([&] { return value() && dom_.string(v); });
+  }
+  bool binary(Json::binary_t& v) {
+    return guarded([&] { return value() && dom_.binary(v); });
+  }
 
   bool start_object(size_t count) {
-    value();
-    open(false);
-    return dom_.start_object(count);
+    return guarded([&] {
+      value();
+      open(false);
+      return dom_.start_object(count);
+    });
   }
   bool key(std::string& name) {
-    Level& level = levels_.back();
-    level.part = name;
-    if (!level.keys.insert(name).second) fail("the key " + QuotedPrefix(name) + " appears twice");
-    return dom_.key(name);
+    return guarded([&] {
+      Level& level = levels_.back();
+      level.part = name;
+      if (!level.keys.insert(name).second)
+        fail(errTypeMismatch, "the key " + QuotedPrefix(name) + " appears twice");
+      return dom_.key(name);
+    });
   }
   bool end_object() {
     levels_.pop_back();
     return dom_.end_object();
   }
   bool start_array(size_t count) {
-    value();
-    open(true);
-    return dom_.start_array(count);
+    return guarded([&] {
+      value();
+      open(true);
+      return dom_.start_array(count);
+    });
   }
   bool end_array() {
     levels_.pop_back();
@@ -89,19 +135,30 @@ class CheckedBuilder {
 
   void open(bool array) {
     if (levels_.size() >= kMaxJsonDepth)
-      fail("nested deeper than " + std::to_string(kMaxJsonDepth) + " levels");
+      fail(errTypeMismatch, "nested deeper than " + std::to_string(kMaxJsonDepth) + " levels");
     levels_.push_back(Level{array, 0, {}, {}});
   }
 
   // The pointer of the value being read: each open level's current element.
-  [[noreturn]] void fail(const std::string& problem) const {
+  [[noreturn]] void fail(int32_t number, const std::string& problem) const {
     std::vector<std::string> parts;
     parts.reserve(levels_.size());
     for (const Level& level : levels_)
       parts.push_back(level.part);
-    throw Error(errTypeMismatch, JsonPointerText(parts) + ": " + problem);
+    throw Error(number, JsonPointerText(parts) + ": " + problem);
   }
 
+  // Memory running out while the document is built is reported with the place.
+  template <class Step>
+  bool guarded(Step step) {
+    try {
+      return step();
+    } catch (const std::bad_alloc&) {
+      outOfMemory();
+    }
+  }
+
+  Json& result_;
   nlohmann::detail::json_sax_dom_parser<Json> dom_;
   std::vector<Level> levels_;
 };
@@ -115,6 +172,8 @@ Json ParseJsonText(std::string_view text) {
     Json::sax_parse(text.begin(), text.end(), &builder);
   } catch (const Json::exception& error) {
     throw Error(errTypeMismatch, "/: not valid JSON: " + withoutLibraryPrefix(error.what()));
+  } catch (const std::bad_alloc&) {
+    builder.outOfMemory();
   }
   return result;
 }

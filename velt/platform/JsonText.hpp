@@ -14,7 +14,8 @@ namespace velt {
 // walks it later: copying, comparing, writing), and so is a key that appears
 // twice in one object (the second would silently win). Errors are velt::Error
 // 13 whose message starts with the JSON pointer of the place ("/" for the
-// document): "/controls/3: the key \"width\" appears twice".
+// document): "/controls/3: the key \"width\" appears twice". Memory running out
+// while the document is built is error 7 with the pointer of the place reached.
 constexpr size_t kMaxJsonDepth = 256;
 nlohmann::ordered_json ParseJsonText(std::string_view text);
 
