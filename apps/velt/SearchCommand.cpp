@@ -173,7 +173,7 @@ void reportStartFolders(const SearchOptions& options, std::ostream& err) {
   if (options.Separator) search.Separator(*options.Separator);
   for (const std::string& folder : search.SplitList(options.Positional[0]))
     if (const std::string problem = startFolderProblem(folder); !problem.empty())
-      err << "velt search: " << (folder.empty() ? "/" : folder) << ": " << problem << "\n";
+      err << "velt search: " << escaped(folder.empty() ? "/" : folder) << ": " << problem << "\n";
 }
 
 }  // namespace

@@ -144,8 +144,9 @@ TEST(PropertyBagTest, DeepNestingAndDuplicateKeysAreRefusedWithTheirPath) {
   const std::string deep =
       R"({"Caption": )" + std::string(50000, '[') + std::string(50000, ']') + "}";
   const std::string message = errorOf(errTypeMismatch, [&] { PropertyBag::FromJsonText(deep); });
-  EXPECT_EQ(message.rfind("PropertyBag JSON: /Caption/0/0/", 0), 0u) << message.substr(0, 200);
-  EXPECT_TRUE(mentions(message, "nested deeper than 256 levels")) << message.substr(0, 200);
+  EXPECT_EQ(message,
+            "PropertyBag JSON: /Caption/0/0/0/0/0/0/0/0/0/0/0/.../0/0/0/0 (256 levels): "
+            "nested deeper than 256 levels");
   EXPECT_EQ(errorOf(errTypeMismatch,
                     [] { PropertyBag::FromJsonText(R"({"A": {"width": 10, "width": 20}})"); }),
             "PropertyBag JSON: /A/width: the key \"width\" appears twice");

@@ -13,6 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 constexpr size_t kMaxPointerPart = 60;
+constexpr size_t kMaxPointerParts = 16;
 
 std::string withoutLibraryPrefix(const std::string& message) {
   // nlohmann's messages start with "[json.exception.parse_error.101] ".
@@ -180,8 +181,7 @@ Json ParseJsonText(std::string_view text) {
 
 std::string JsonPointerText(const std::vector<std::string>& parts) {
   if (parts.empty()) return "/";
-  std::string pointer;
-  for (const std::string& whole : parts) {
+  const auto append = [](std::string& pointer, const std::string& whole) {
     pointer += '/';
     const std::string_view part(whole.data(),
                                 characterBoundary(whole, std::min(whole.size(), kMaxPointerPart)));
@@ -194,8 +194,20 @@ std::string JsonPointerText(const std::vector<std::string>& parts) {
         pointer += c;
     }
     if (part.size() < whole.size()) pointer += "...";
+  };
+  std::string pointer;
+  if (parts.size() <= kMaxPointerParts) {
+    for (const std::string& part : parts)
+      append(pointer, part);
+    return pointer;
   }
-  return pointer;
+  // A deep place: its first and last steps, and how deep it is.
+  for (size_t i = 0; i < kMaxPointerParts - 4; ++i)
+    append(pointer, parts[i]);
+  pointer += "/...";
+  for (size_t i = parts.size() - 4; i < parts.size(); ++i)
+    append(pointer, parts[i]);
+  return pointer + " (" + std::to_string(parts.size()) + " levels)";
 }
 
 std::string QuotedPrefix(std::string_view text, size_t maxBytes) {

@@ -20,7 +20,8 @@ constexpr size_t kMaxJsonDepth = 256;
 nlohmann::ordered_json ParseJsonText(std::string_view text);
 
 // "/controls/2/properties/BackColor" from its parts ("~" and "/" escaped);
-// a part longer than a message should quote is cut short.
+// a part longer than a message should quote is cut short, and a pointer of
+// more than 16 parts shows its first 12 and last 4 with its depth.
 std::string JsonPointerText(const std::vector<std::string>& parts);
 
 // A value for an error message: the text in quotes, cut after a short prefix
