@@ -81,9 +81,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::ostringstream out, err;
   std::istringstream in{std::string(script)};
   fs::create_directories(folder() / "saved");
-  const std::vector<std::string> arguments = {
-      formPath.string(), "--headless", "--input", "-", "--events", "--out",
-      (folder() / "out.png").string(), "--save", (folder() / "saved" / "out.json").string()};
+  const std::vector<std::string> arguments = {formPath.string(),
+                                              "--headless",
+                                              "--input",
+                                              "-",
+                                              "--events",
+                                              "--out",
+                                              (folder() / "out.png").string(),
+                                              "--save",
+                                              (folder() / "saved" / "out.json").string()};
   velt::tool::RunCommand command(out, err, in);
   const int status = command.Run(arguments);
   if (status != 0 && status != 2) {
