@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/ExpectError.hpp"
@@ -264,9 +265,33 @@ TEST_F(ListboxTest, HoverSelectFollowsThePointerAndClicksOnRelease) {
   EXPECT_EQ(log->Lines()[2], "ItemClicked(i4, String:k4)");
 }
 
-// Pixels of row 2 highlighted (the layout starts at it): the fill starts at (3, Top + 3), the outline
-// runs from (2, Top + 2) to (SW - B - 4, Top + Height); the selection tints
-// while focused. The frame is dark, the inner frame shows while hovered.
+// Three rows a notch through the bar (toward the user scrolls down); a list
+// that fits does not scroll.
+TEST_F(ListboxTest, TheWheelScrollsThreeRowsANotch) {
+  make(5, 40);
+  const auto bar = list->veltScrollBar1();
+  // notches -> bar Value
+  const std::vector<std::pair<int16_t, int>> cases = {{-1, 4}, {-2, 10}, {1, 7}, {5, 1}, {-20, 36}};
+  for (const auto& [notches, value] : cases) {
+    hf.system->PostMouseWheel(kAt + 20, kAt + 20, notches);
+    hf.Run();
+    EXPECT_EQ(bar->Value(), value) << notches;
+    EXPECT_EQ(laidOut().front(), value);
+  }
+  hf.system->PostMouseWheel(kAt + kWidth - 8, kAt + 30, 1);  // over the bar
+  hf.Run();
+  EXPECT_EQ(bar->Value(), 33);
+  EXPECT_TRUE(log->Lines().empty());
+  hf.form.RemoveControl("veltListbox1");
+  make(5, 3);
+  hf.system->PostMouseWheel(kAt + 20, kAt + 20, -1);
+  hf.Run();
+  EXPECT_EQ(laidOut().front(), 1);
+}
+
+// Pixels of row 2 highlighted (the layout starts at it): the fill starts at (3, Top + 3), the
+// outline runs from (2, Top + 2) to (SW - B - 4, Top + Height); the selection tints while focused.
+// The frame is dark, the inner frame shows while hovered.
 TEST_F(ListboxTest, HighlightFrameAndHoverLook) {
   make(5, 10);
   list->SelectedItem(2);
