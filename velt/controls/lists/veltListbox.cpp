@@ -13,6 +13,8 @@
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/ImageList.hpp"
+#include "velt/platform/ListImage.hpp"
+#include "velt/platform/Picture.hpp"
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Variant.hpp"
 
@@ -450,15 +452,30 @@ void veltListbox::drawHighlight(Canvas& canvas, const MenuItemListing& row) cons
 
 // An icon that cannot be had (no such image, an empty list) is left out.
 // Disabled, the icon is drawn in one colour, the disabled text's.
-void veltListbox::drawIcon(Canvas& canvas, int16_t icon, int32_t x, int32_t y, bool enabled) const {
+void veltListbox::drawIcon(Canvas& canvas, int16_t icon, int32_t x, int32_t y, bool enabled) {
   if (icon == 0 || imageList_->ListImages().Count() == 0) return;
   try {
-    const std::shared_ptr<Picture> picture = imageList_->ListImages().Item(icon)->ExtractIcon();
+    const std::shared_ptr<Picture> picture = extractedIcon(icon);
     if (!picture) return;
     canvas.DrawPicture(*picture, x, y, enabled ? PictureLook::Normal : PictureLook::Monochrome,
                        scheme_.EdgeDark);
   } catch (const Error&) {
   }
+}
+
+// Repaints come with every hover tick; extracting (a copy with the mask
+// applied) once per image keeps them to the drawing itself.
+std::shared_ptr<Picture> veltListbox::extractedIcon(int16_t icon) {
+  const std::shared_ptr<ListImage> image = imageList_->ListImages().Item(icon);
+  if (icon >= static_cast<int32_t>(icons_.size())) icons_.resize(static_cast<size_t>(icon) + 1);
+  ExtractedIcon& kept = icons_[static_cast<size_t>(icon)];
+  const OLE_COLOR mask = imageList_->MaskColor();
+  const bool useMask = imageList_->UseMaskColor();
+  if (kept.picture && kept.source.lock() == image && kept.maskColor == mask &&
+      kept.useMask == useMask)
+    return kept.picture;
+  kept = ExtractedIcon{image, mask, useMask, image->ExtractIcon()};
+  return kept.picture;
 }
 
 void veltListbox::drawFrame(Canvas& c, bool hovered) const {

@@ -19,7 +19,9 @@ namespace velt {
 class Canvas;
 class Font;
 class ImageList;
+class ListImage;
 class MenuItemListing;
+class Picture;
 class veltScrollBar;
 
 // An owner-drawn, single-selection list of ComboData entries: optional icons
@@ -159,7 +161,8 @@ class veltListbox : public UserControl, public std::enable_shared_from_this<velt
   void drawRow(Canvas& canvas, const MenuItemListing& row, const ComboData& entry, int32_t t,
                bool enabled);
   void drawHighlight(Canvas& canvas, const MenuItemListing& row) const;
-  void drawIcon(Canvas& canvas, int16_t icon, int32_t x, int32_t y, bool enabled) const;
+  void drawIcon(Canvas& canvas, int16_t icon, int32_t x, int32_t y, bool enabled);
+  std::shared_ptr<Picture> extractedIcon(int16_t icon);
   void drawFrame(Canvas& canvas, bool hovered) const;
   void hoverFinding(HoverTracker::Finding finding);
 
@@ -182,6 +185,15 @@ class veltListbox : public UserControl, public std::enable_shared_from_this<velt
   HoverTracker hover_;
   std::shared_ptr<veltScrollBar> scrollBar_;
   ControlHost* scrollBarHost_ = nullptr;
+  // Icons extracted from the image list, by image number: each stays valid
+  // while that number holds the same image with the same mask.
+  struct ExtractedIcon {
+    std::weak_ptr<ListImage> source;
+    OLE_COLOR maskColor = 0;
+    bool useMask = false;
+    std::shared_ptr<Picture> picture;
+  };
+  std::vector<ExtractedIcon> icons_;
   std::vector<Connection> barConnections_;
   std::vector<Connection> itemConnections_;
 };
