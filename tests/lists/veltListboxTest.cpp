@@ -338,6 +338,15 @@ TEST_F(ListboxTest, TabsIndentAndLongCaptionsStopBeforeTheBar) {
   EXPECT_EQ(indented.left, plain.left + 9);
   EXPECT_EQ(indented.right, plain.right + 9);
   EXPECT_LT(ink(3).right, kWidth - barWidth() - 4);
+  // ValueFont prints each caption in the font its entry's Value names; the
+  // list's own font keeps its name.
+  list->ListboxItems.Item(1)->Value("DejaVu Sans Mono");
+  list->ListboxItems.Item(2)->Value("DejaVu Sans");
+  list->ListboxItems.Item(2)->Caption("Word");
+  list->ValueFont = true;
+  list->Refresh();
+  EXPECT_NE(ink(1).right - ink(1).left, ink(2).right - ink(2).left);
+  EXPECT_EQ(list->Font()->Name(), test::kPinnedFamily);
 }
 
 // Icons: normal while enabled, one colour (the disabled text's) when not.

@@ -589,7 +589,8 @@ void veltListbox::OnKeyDown(int16_t& keyCode, int16_t& shift) {
   if (keyCode == kKeyUp) {
     if (selectedItem_ >= 2) SelectedItem(static_cast<int16_t>(selectedItem_ - 1));
   } else if (keyCode == kKeyDown) {
-    if (selectedItem_ < count) SelectedItem(static_cast<int16_t>(selectedItem_ + 1));
+    // A position set below 1 steps to the first entry, not to another non-entry.
+    if (selectedItem_ < count) SelectedItem(static_cast<int16_t>(std::max(selectedItem_ + 1, 1)));
   } else if (const int16_t target = pageTarget(keyCode); target != 0 && target != selectedItem_) {
     SelectedItem(target);
   }
