@@ -83,9 +83,15 @@ class ListboxTest : public ::testing::Test {
 
 TEST(ListboxLayoutTest, RowSpansCutTheEndWhenFirstPlusEndPassesTheCount) {
   // first, visible rows, count -> first laid-out position, last
-  const std::vector<std::tuple<int, int, int, int, int>> cases = {
-      {1, 5, 10, 1, 6},  {3, 5, 10, 3, 10}, {2, 5, 10, 2, 7},    {1, 5, 3, 1, 3},
-      {6, 5, 10, 6, 10}, {50, 5, 0, 50, 0}, {1, 5, 40000, 1, 6}, {32760, 20, 40000, 32760, 32767}};
+  const std::vector<std::tuple<int, int, int, int, int>> cases = {{1, 5, 10, 1, 6},
+                                                                  {3, 5, 10, 3, 10},
+                                                                  {2, 5, 10, 2, 7},
+                                                                  {1, 5, 3, 1, 3},
+                                                                  {6, 5, 10, 6, 10},
+                                                                  {50, 5, 0, 50, 0},
+                                                                  {1, 5, 40000, 1, 6},
+                                                                  {32760, 20, 40000, 32760, 32767},
+                                                                  {-70000, 5, 10, -32768, -32763}};
   for (const auto& [first, visible, count, from, to] : cases) {
     const ListboxRowSpan span = ListboxRowsFrom(first, visible, count);
     EXPECT_EQ(span.First, from) << first << "," << visible << "," << count;

@@ -1,6 +1,7 @@
 #include "velt/controls/lists/ListboxLayout.hpp"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "velt/foundation/Utf8Text.hpp"
 #include "velt/platform/Canvas.hpp"
@@ -32,7 +33,10 @@ int32_t ListboxVisibleRows(int32_t scaleHeight, int32_t textHeight, const ImageL
   return (scaleHeight - 1) / divisor;
 }
 
+// A first position below what 16 bits hold (a bar whose Min the application
+// moved far down) starts there: the rows keep positions a row can carry.
 ListboxRowSpan ListboxRowsFrom(int32_t first, int32_t visibleRows, int32_t count) {
+  first = std::max<int32_t>(first, INT16_MIN);
   int64_t last = int64_t{first} + visibleRows;
   if (int64_t{first} + last > count) last = count;
   last = std::min<int64_t>(last, kListboxLastPosition);

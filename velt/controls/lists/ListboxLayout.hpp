@@ -14,7 +14,8 @@ class ImageList;
 
 // Each tab in a caption moves the row's text and icon this far right.
 constexpr int32_t kListboxTabIndent = 9;
-// The highest position a row can show: positions are 16-bit.
+// The highest position a row can show: positions are 16-bit (a first
+// position below -32768 is taken as -32768).
 constexpr int32_t kListboxLastPosition = 32767;
 
 // The height of a row for a font whose capital letter is textHeight pixels
