@@ -1,10 +1,12 @@
 #include "apps/velt/Gallery.hpp"
 
 #include <algorithm>
+#include <string>
 
 #include "apps/velt/GalleryIcons.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
+#include "velt/controls/lists/veltListbox.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
@@ -53,7 +55,8 @@ Gallery::Gallery(std::shared_ptr<WindowSystem> system)
   addLabels(295);
   addPickers(375);
   addMenu(375);
-  addScripts(510);
+  addListboxes(510);
+  addScripts(615);
   form_->FindSite(kFocusedName)->SetFocus();
   startCycle();
 }
@@ -249,6 +252,36 @@ void Gallery::openMenu() {
   const int32_t twips = opener.TwipsPerPixelX();
   menu_->CreateMenu(rect.Left * twips, rect.Bottom * opener.TwipsPerPixelY(), "",
                     static_cast<int16_t>(rect.Width()));
+}
+
+void Gallery::addListboxes(int32_t top) {
+  heading("headingListbox", "veltListbox", top);
+  const auto list = [&](const char* name, int32_t column) {
+    return add<veltListbox>(name, kColumn + column * 125, top, 120, 90);
+  };
+  auto icons = list("listIcons", 0);
+  icons->ImageList(icons_);
+  icons->ListboxItems.Add("root", "Documents", "", kInfoIcon);
+  icons->ListboxItems.Add("done", "\tFinished", "", kCheckIcon);
+  icons->ListboxItems.Add("failed", "\tFailed", "", kCrossIcon);
+  icons->ListboxItems.Add("more", "\t\tMore", "", kPlusIcon);
+  icons->SelectedItem(1);
+  auto shortened = list("listShortened", 1);
+  shortened->ListboxItems.Add("a", "A caption far too long for the list");
+  shortened->ListboxItems.Add("b", "Short");
+  shortened->ListboxItems.Add("c", "Another caption that does not fit");
+  auto hover = list("listHoverSelect", 2);
+  hover->HoverSelect(true);
+  for (const char* caption : {"Moving the mouse", "selects the row", "under it"})
+    hover->ListboxItems.Add("", caption);
+  auto disabled = list("listDisabled", 3);
+  disabled->ImageList(icons_);
+  disabled->ListboxItems.Add("x", "Disabled", "", kCrossIcon);
+  disabled->ListboxItems.Add("y", "\tIndented", "", kInfoIcon);
+  disabled->Enabled(false);
+  auto scrolling = list("listScrolling", 4);
+  for (int entry = 1; entry <= 40; ++entry)
+    scrolling->ListboxItems.Add("", "Entry " + std::to_string(entry));
 }
 
 void Gallery::startCycle() {

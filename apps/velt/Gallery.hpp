@@ -24,17 +24,18 @@ namespace tool {
 // Every control the library has, in its main looks side by side on one form:
 // normal, disabled, with an icon, focused, vertical where the control has an
 // orientation, each tick style of the slider, the label's wrapping, ellipsis,
-// icon and hyperlink, a button that opens a popup menu (a right press on the
-// form's background opens it at the pointer). This class is the one place the gallery's
-// layout lives; `velt gallery` shows it in a window or renders it headless, and a test checks that
-// every class the registry can create is on it.
+// icon and hyperlink, list boxes (icons and indentation, shortened captions,
+// hover select, disabled, one long enough to scroll), a button that opens a popup menu (a right
+// press on the form's background opens it at the pointer). This class is the one place the
+// gallery's layout lives; `velt gallery` shows it in a window or renders it headless, and a test
+// checks that every class the registry can create is on it.
 //
 // A timer of the window system moves the searching progress bar on every
 // kCycleInterval milliseconds while the gallery exists.
 class Gallery {
  public:
   static constexpr int32_t kWidth = 780;
-  static constexpr int32_t kHeight = 545;
+  static constexpr int32_t kHeight = 650;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
   static constexpr int16_t kCycleStep = 2;
@@ -71,6 +72,7 @@ class Gallery {
   void addPickers(int32_t top);
   void addScripts(int32_t top);
   void addMenu(int32_t top);
+  void addListboxes(int32_t top);
   void fillMenu(MenuItems& items);
   void openMenu();
   void startCycle();

@@ -42,9 +42,9 @@ runs it in a window until the window is closed.
   --input FILE|-    play the script in FILE, a regular file of 16 MB at most
                     (- reads standard input); the
                     script language is velt snap's (velt snap --help), with
-                    X and Y in pixels of the form, and focus, blur and prop
-                    acting on the control that has the focus (else the one
-                    that had it last, else the first control)
+                    X and Y in pixels of the form, and focus, blur, prop and
+                    get acting on the control that has the focus (else the
+                    one that had it last, else the first control)
 
 The whole form file and the script are checked before anything runs: a bad
 file names its JSON path ("/controls/2/properties/BackColor") and what was
@@ -75,6 +75,7 @@ int RunCommand::runHeadless(const RunOptions& options, const FormFile& file) {
       options.Input ? readScript(*options.Input, source) : std::vector<ScriptCommand>{};
   RunSession session(file, ControlRegistry::Standard());
   ScriptRunner runner(session.System(), session, source);
+  runner.PrintTo([this](const std::string& line) { out() << line << '\n'; });
   runner.Check(script);
 
   std::unique_ptr<FormEvents> events;

@@ -59,6 +59,19 @@ void RunSession::SetProperty(const PropertyArgument& argument) {
   argument.ApplyTo(registry_.ClassOf(*site.Control()), *site.Control());
 }
 
+void RunSession::CheckGet(const std::string& name) const {
+  const std::vector<Site*> sites = HostForm().Sites();
+  for (Site* site : sites)
+    if (registry_.ClassOf(*site->Control()).FindProperty(name)) return;
+  throw Error(errInvalidProcedureCall,
+              "get " + name + ": no control on the form has a property \"" + name + "\"");
+}
+
+Variant RunSession::GetProperty(const std::string& name) {
+  Site& site = currentSite();
+  return registry_.ClassOf(*site.Control()).GetProperty(*site.Control(), name);
+}
+
 void RunSession::Focus() {
   currentSite().SetFocus();
 }

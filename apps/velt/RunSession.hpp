@@ -30,6 +30,9 @@ class RunSession : public HeadlessSession {
   // the control it will reach is known only when the line runs.
   void CheckProperty(const PropertyArgument& argument) const override;
   void SetProperty(const PropertyArgument& argument) override;
+  // get, too, is checked against every class on the form.
+  void CheckGet(const std::string& name) const override;
+  Variant GetProperty(const std::string& name) override;
   void Focus() override;
   void Blur() override;
 

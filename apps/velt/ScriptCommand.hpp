@@ -23,6 +23,8 @@ enum class ScriptVerb {
   Prop,     // prop Name=Value
   Shot,     // shot FILE.png
   Menu,     // menu X Y
+  Wheel,    // wheel X Y N
+  Get,      // get NAME
 };
 
 // One parsed line of a script. Only the fields of its verb are meaningful.
@@ -36,11 +38,11 @@ struct ScriptCommand {
   int32_t X = 0;
   int32_t Y = 0;
   int16_t Button = 0;            // 1 left, 2 right, 4 middle
-  int16_t Code = 0;              // key code, or the character code of char
+  int16_t Code = 0;              // key code, the character code of char, or the wheel's notches
   int16_t Shift = kShiftAsHeld;  // Shift 1, Ctrl 2, Alt 4
   int64_t Milliseconds = 0;
   std::vector<int16_t> Characters;  // text: one KeyPress code per character
-  std::string Argument;             // prop: "Name=Value"; shot: the file
+  std::string Argument;             // prop: "Name=Value"; shot: the file; get: the name
 };
 
 }  // namespace velt::tool

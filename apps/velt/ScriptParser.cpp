@@ -19,7 +19,7 @@ struct VerbInfo {
   const char* usage;
 };
 
-constexpr std::array<VerbInfo, 15> kVerbs = {{
+constexpr std::array<VerbInfo, 17> kVerbs = {{
     {"move", ScriptVerb::Move, "move X Y"},
     {"down", ScriptVerb::Down, "down B X Y"},
     {"up", ScriptVerb::Up, "up B X Y"},
@@ -35,11 +35,14 @@ constexpr std::array<VerbInfo, 15> kVerbs = {{
     {"prop", ScriptVerb::Prop, "prop Name=Value"},
     {"shot", ScriptVerb::Shot, "shot FILE.png"},
     {"menu", ScriptVerb::Menu, "menu X Y"},
+    {"wheel", ScriptVerb::Wheel, "wheel X Y N"},
+    {"get", ScriptVerb::Get, "get NAME"},
 }};
 
 constexpr int64_t kMaxKeyCode = 255;
 constexpr int64_t kMaxShift = 7;
 constexpr int64_t kMaxCharCode = 0xFFFF;
+constexpr int64_t kMaxNotches = 32767;
 
 [[noreturn]] void problem(const std::string& text) {
   throw Error(errInvalidProcedureCall, text);
@@ -166,6 +169,12 @@ class CommandReader {
     return checked(what, reader_.Word(), low, high);
   }
 
+  std::string_view Word(const char* what) {
+    const std::string_view word = reader_.Word();
+    if (word.empty()) problem(std::string(verb_.word) + " needs " + what);
+    return word;
+  }
+
   std::string Rest(const char* what) {
     std::optional<std::string> rest = reader_.Rest();
     if (!rest) problem(std::string(verb_.word) + " needs " + what);
@@ -255,6 +264,13 @@ void readArguments(CommandReader& in, ScriptCommand& command) {
     case ScriptVerb::Shot:
       command.Argument = in.Rest("a FILE.png");
       if (command.Argument.empty()) problem("shot needs a FILE.png");
+      break;
+    case ScriptVerb::Wheel:
+      in.Point(command);
+      command.Code = static_cast<int16_t>(in.Number("N", -kMaxNotches, kMaxNotches));
+      break;
+    case ScriptVerb::Get:
+      command.Argument = std::string(in.Word("a property NAME"));
       break;
   }
   in.End();

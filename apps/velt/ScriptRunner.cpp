@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "apps/velt/EventLine.hpp"
 #include "apps/velt/PropertyArgument.hpp"
 #include "apps/velt/ScriptError.hpp"
 #include "apps/velt/ScriptTarget.hpp"
@@ -102,10 +103,14 @@ std::optional<int16_t> ScriptRunner::CharacterOfKey(int16_t keyCode, int16_t shi
 
 void ScriptRunner::Check(const std::vector<ScriptCommand>& script) const {
   for (const ScriptCommand& command : script) {
-    if (command.Verb != ScriptVerb::Prop && command.Verb != ScriptVerb::Menu) continue;
+    if (command.Verb != ScriptVerb::Prop && command.Verb != ScriptVerb::Menu &&
+        command.Verb != ScriptVerb::Get)
+      continue;
     try {
       if (command.Verb == ScriptVerb::Menu)
         target_.CheckMenu();
+      else if (command.Verb == ScriptVerb::Get)
+        target_.CheckGet(command.Argument);
       else
         target_.CheckProperty(PropertyArgument::Parse(command.Argument));
     } catch (const Error& error) {
@@ -171,6 +176,13 @@ void ScriptRunner::post(const ScriptCommand& command, size_t index) {
       system_.PostKeyPress(command.Code);
       track(index);
       break;
+    case ScriptVerb::Wheel: {
+      const PointL point = onScreen(command);
+      moveTo(point, index);
+      system_.PostMouseWheel(point.x, point.y, command.Code, modifiers_);
+      track(index);
+      break;
+    }
     case ScriptVerb::Text:
       for (int16_t character : command.Characters) {
         system_.PostKeyPress(character);
@@ -193,12 +205,15 @@ void ScriptRunner::post(const ScriptCommand& command, size_t index) {
   }
 }
 
+void ScriptRunner::moveTo(PointL point, size_t index) {
+  if (point == pointer_) return;
+  system_.PostMouseMove(point.x, point.y);
+  track(index);
+  pointer_ = point;
+}
+
 void ScriptRunner::postPress(bool down, int16_t button, PointL point, size_t index) {
-  if (point != pointer_) {
-    system_.PostMouseMove(point.x, point.y);
-    track(index);
-    pointer_ = point;
-  }
+  moveTo(point, index);
   if (down)
     system_.PostMouseDown(button, point.x, point.y, modifiers_);
   else
@@ -241,6 +256,15 @@ void ScriptRunner::postAction(const ScriptCommand& command, size_t index) {
       postStep([this, point] { target_.OpenMenu(point); }, index);
       break;
     }
+    case ScriptVerb::Get:
+      postStep(
+          [this, argument] {
+            const std::string line =
+                argument + "=" + EventLine::FormatValue(target_.GetProperty(argument));
+            if (print_) print_(line);
+          },
+          index);
+      break;
     default:
       break;
   }

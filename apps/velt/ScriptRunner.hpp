@@ -38,7 +38,10 @@ class ScriptRunner {
  public:
   ScriptRunner(HeadlessWindowSystem& system, ScriptTarget& target, std::string source);
 
-  // Checks the prop and menu commands against the target without running anything;
+  // Where get prints its NAME=VALUE lines; without one they are dropped.
+  void PrintTo(std::function<void(const std::string&)> print) { print_ = std::move(print); }
+
+  // Checks the prop, get and menu commands against the target without running anything;
   // a ScriptError names the first bad line.
   void Check(const std::vector<ScriptCommand>& script) const;
   // Queues the script and runs until the queue and the posted work are empty.
@@ -55,6 +58,7 @@ class ScriptRunner {
   void postUntilWait();
   void post(const ScriptCommand& command, size_t index);
   void postPress(bool down, int16_t button, PointL point, size_t index);
+  void moveTo(PointL point, size_t index);
   void postKey(bool down, int16_t keyCode, int16_t shift, size_t index);
   void postAction(const ScriptCommand& command, size_t index);
   void postStep(std::function<void()> step, size_t index);
@@ -70,6 +74,7 @@ class ScriptRunner {
   std::vector<ScriptCommand> script_;
   size_t next_ = 0;                  // the first command not queued yet
   std::vector<size_t> itemCommand_;  // the command of each item queued
+  std::function<void(const std::string&)> print_;
   // Queued steps of the runner's own do nothing once it is gone.
   std::shared_ptr<int> life_ = std::make_shared<int>(0);
 };

@@ -12,4 +12,13 @@ void ScriptTarget::OpenMenu(PointL) {
   CheckMenu();
 }
 
+void ScriptTarget::CheckGet(const std::string& name) const {
+  throw Error(errInvalidProcedureCall, "get " + name + ": there is no control to read");
+}
+
+Variant ScriptTarget::GetProperty(const std::string& name) {
+  CheckGet(name);
+  return Variant();
+}
+
 }  // namespace velt::tool

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "velt/platform/Variant.hpp"
+
 #include "velt/platform/Geometry.hpp"
 
 namespace velt::tool {
@@ -26,6 +28,10 @@ class ScriptTarget {
   virtual void Blur() = 0;
   // Writes a PNG of what the script is about.
   virtual void Shot(const std::string& path) = 0;
+  // The value of a property of the control that prop sets; error 5 for a
+  // property it does not have (by default there is no control to read).
+  virtual void CheckGet(const std::string& name) const;
+  virtual Variant GetProperty(const std::string& name);
   // Error 5 unless `menu` has a popup menu to open; by default there is none.
   virtual void CheckMenu() const;
   // Opens the popup menu at a point of the script's coordinates.

@@ -1,5 +1,7 @@
 #include "apps/velt/SnapCommand.hpp"
 
+#include "velt/platform/ImageList.hpp"
+
 #include <optional>
 #include <vector>
 
@@ -20,6 +22,7 @@ SnapCommand::SnapCommand(std::ostream& out, std::ostream& err, std::istream& in)
 
 const char* SnapCommand::Usage() {
   return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--item ITEM]...
+                      [--entry ENTRY]... [--sorted N] [--imagelist FILE.png[:W]]
                       [--input FILE|-] [--out FILE.png] [--screen] [--events]
        velt snap --list
        velt snap --help
@@ -41,6 +44,16 @@ written without --out or a shot command.
                      the fields after Key optional (Icon 0, Enabled True,
                      ItemType 1 normal, 2 check, 3 separator, 4 title,
                      Checked and Bold False); other controls have no items
+  --entry ENTRY      add an entry to a veltListbox's ListboxItems (repeatable):
+                     Key|Caption|Value|Icon|Comment, the fields after Key
+                     optional (Icon 0: none); a tab in Caption indents it
+  --sorted N         1: ListboxItems.Sorted is True before the entries are
+                     added (they are placed by caption), 0: False
+  --imagelist FILE.png[:W]
+                     give the control (any with an ImageList) an image list
+                     cut from a PNG strip of square icons W pixels wide
+                     (default: the strip's height), numbered 1, 2, ... from
+                     the left
   --input FILE|-     play the script in FILE (- reads standard input)
   --out FILE.png     write the control's rectangle of the screen at the end
                      (a veltPUMenu draws its menu in a pop-up window of its
@@ -71,6 +84,12 @@ form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
   blur                  take the focus away from it
   prop Name=Value       set a property, as --prop does
   shot FILE.png         write a PNG now, as --out does
+  wheel X Y N           turn the mouse wheel N notches with the pointer at X Y
+                        (positive away from the user; the pointer moves
+                        there first); it reaches the control under the
+                        pointer, or its parent when that one does not scroll
+  get NAME              print NAME=VALUE, the property's value now, in the
+                        format of --events
   menu X Y              a veltPUMenu opens its menu (CreateMenu, the root
                         group) with its corner at X Y; menu 0 0 opens it at
                         the pointer. The next commands arrive while it waits
@@ -113,17 +132,21 @@ int SnapCommand::run(const SnapOptions& options) {
   std::string source;
   const std::vector<ScriptCommand> script =
       options.Input ? readScript(*options.Input, source) : std::vector<ScriptCommand>{};
+  const std::shared_ptr<ImageList> images = options.Images ? options.Images->Load() : nullptr;
 
   SnapSession session(controlClass, options.Size.value_or(controlClass.DefaultSize()),
                       options.Screen);
   ScriptRunner runner(session.System(), session, source);
+  runner.PrintTo([this](const std::string& line) { out() << line << '\n'; });
   runner.Check(script);
 
   std::optional<EventPrinter> printer;
   if (options.Events) printer.emplace(session.ControlSite(), out());
+  if (images) session.SetImageList(images);
   for (const PropertyArgument& property : properties)
     session.SetProperty(property);
   session.AddMenuItems(options.Items);
+  session.AddEntries(options.Entries, options.Sorted);
   runner.Run(script);
   if (options.Out) session.WritePng(*options.Out);
   return kOk;

@@ -16,6 +16,16 @@ void setOnce(std::optional<T>& target, T value, const std::string& option) {
   target = std::move(value);
 }
 
+// 1 or True sorts, 0 or False does not (any letter case).
+bool sortedFlag(const std::string& text) {
+  std::string lower;
+  for (char c : text)
+    lower += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+  if (lower == "1" || lower == "true") return true;
+  if (lower == "0" || lower == "false") return false;
+  usageProblem("--sorted \"" + text + "\" is not 1 (True) or 0 (False)");
+}
+
 int32_t side(std::string_view text, std::string_view whole) {
   constexpr size_t kMaxDigits = 5;
   bool digits = !text.empty() && text.size() <= kMaxDigits;
@@ -38,6 +48,12 @@ void readOption(ArgumentReader& reader, SnapOptions& options) {
     options.Properties.push_back(reader.Value());
   } else if (word == "--item") {
     options.Items.push_back(MenuItemArgument::Parse(reader.Value()));
+  } else if (word == "--entry") {
+    options.Entries.push_back(EntryArgument::Parse(reader.Value()));
+  } else if (word == "--sorted") {
+    setOnce(options.Sorted, sortedFlag(reader.Value()), word);
+  } else if (word == "--imagelist") {
+    setOnce(options.Images, ImageStrip::Parse(reader.Value()), word);
   } else if (word == "--input") {
     setOnce(options.Input, reader.Value(), word);
   } else if (word == "--out") {

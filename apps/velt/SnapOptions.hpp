@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/velt/EntryArgument.hpp"
+#include "apps/velt/ImageStrip.hpp"
 #include "apps/velt/MenuItemArgument.hpp"
 #include "velt/platform/Geometry.hpp"
 
@@ -22,6 +24,9 @@ struct SnapOptions {
   std::optional<SizeL> Size;
   std::vector<std::string> Properties;  // "Name=Value", in the order given
   std::vector<MenuItemArgument> Items;  // --item, in the order given
+  std::vector<EntryArgument> Entries;   // --entry, in the order given
+  std::optional<bool> Sorted;           // --sorted
+  std::optional<ImageStrip> Images;     // --imagelist
   std::optional<std::string> Input;     // a file, or "-" for standard input
   std::optional<std::string> Out;
   bool Screen = false;

@@ -1,5 +1,8 @@
 #include "apps/velt/SnapSession.hpp"
 
+#include "velt/controls/lists/veltListbox.hpp"
+#include "velt/platform/ImageList.hpp"
+
 #include <memory>
 
 #include "apps/velt/PropertyArgument.hpp"
@@ -45,6 +48,14 @@ void SnapSession::SetProperty(const PropertyArgument& argument) {
   argument.ApplyTo(class_, Control());
 }
 
+void SnapSession::CheckGet(const std::string& name) const {
+  class_.PropertyNamed(name);
+}
+
+Variant SnapSession::GetProperty(const std::string& name) {
+  return class_.GetProperty(Control(), name);
+}
+
 void SnapSession::Focus() {
   site_->SetFocus();
 }
@@ -78,6 +89,26 @@ void SnapSession::AddMenuItems(const std::vector<MenuItemArgument>& items) {
   if (!control->MenuItem) control->MenuItem = std::make_shared<MenuItems>();
   for (const MenuItemArgument& item : items)
     item.AddTo(*control->MenuItem);
+}
+
+void SnapSession::AddEntries(const std::vector<EntryArgument>& entries,
+                             std::optional<bool> sorted) {
+  if (entries.empty() && !sorted) return;
+  auto* list = dynamic_cast<veltListbox*>(&Control());
+  if (!list)
+    throw Error(errInvalidProcedureCall, "--entry, --sorted: " + class_.Name() +
+                                             " has no list entries (only veltListbox takes them)");
+  if (sorted) list->ListboxItems.Sorted(*sorted);
+  for (const EntryArgument& entry : entries)
+    entry.AddTo(list->ListboxItems);
+}
+
+void SnapSession::SetImageList(std::shared_ptr<ImageList> images) {
+  constexpr const char* kImageList = "ImageList";
+  if (!class_.FindProperty(kImageList))
+    throw Error(errInvalidProcedureCall,
+                "--imagelist: " + class_.Name() + " has no ImageList property");
+  class_.SetProperty(Control(), kImageList, Variant(std::shared_ptr<Object>(std::move(images))));
 }
 
 }  // namespace velt::tool

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <vector>
 
+#include "apps/velt/EntryArgument.hpp"
 #include "apps/velt/HeadlessSession.hpp"
 #include "apps/velt/MenuItemArgument.hpp"
 
@@ -9,6 +12,8 @@ namespace velt {
 
 class ControlClass;
 class UserControl;
+class ImageList;
+class veltListbox;
 class veltPUMenu;
 
 namespace tool {
@@ -32,6 +37,8 @@ class SnapSession : public HeadlessSession {
   // ScriptTarget.
   void CheckProperty(const PropertyArgument& argument) const override;
   void SetProperty(const PropertyArgument& argument) override;
+  void CheckGet(const std::string& name) const override;
+  Variant GetProperty(const std::string& name) override;
   void Focus() override;
   // The control when it is a veltPUMenu: CreateMenu at the point's screen
   // pixel in twips, root group, M_Width 0 ((0, 0) on the screen opens at the
@@ -42,6 +49,11 @@ class SnapSession : public HeadlessSession {
   // Appends the items to the control's MenuItem; error 5 for a control
   // without menu items.
   void AddMenuItems(const std::vector<MenuItemArgument>& items);
+  // Sets ListboxItems.Sorted (when given), then appends the entries; error 5
+  // for a control without list entries.
+  void AddEntries(const std::vector<EntryArgument>& entries, std::optional<bool> sorted);
+  // Gives the control the image list; error 5 for one without an ImageList.
+  void SetImageList(std::shared_ptr<ImageList> images);
 
  private:
   veltPUMenu* menu() const;  // nullptr unless the control is one

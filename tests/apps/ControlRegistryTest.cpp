@@ -12,6 +12,7 @@
 #include "support/Pixels.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/buttons/veltXButton.hpp"
+#include "velt/controls/lists/veltListbox.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/ImageList.hpp"
 #include "velt/platform/PropertyBag.hpp"
@@ -91,6 +92,10 @@ TEST(ControlRegistryTest, EveryPropertyReachesItsOwnSetterAndIsStoredUnderItsNam
       Site& site =
           hf.form.AddControl(controlClass.Create(), name + "1", 0, 0, size.width, size.height);
       UserControl& control = *site.Control();
+      // A list box's SelectedItem must name one of its entries.
+      if (auto* list = dynamic_cast<veltListbox*>(&control))
+        for (const char* key : {"a", "b"})
+          list->ListboxItems.Add(key);
       const Variant before = controlClass.GetProperty(control, property.Name);
       EXPECT_EQ(before.Type(), property.Type);
       const Variant wanted = otherValue(before, property.Type);

@@ -46,6 +46,8 @@ TEST(ScriptParserTest, EachCommandFillsItsFields) {
       {"char 65535", ScriptVerb::Char, {0, 0, 0, -1, held, 0}},  // the 16-bit pattern
       {"wait 250", ScriptVerb::Wait, {0, 0, 0, 0, held, 250}},
       {"Blur", ScriptVerb::Blur, {0, 0, 0, 0, held, 0}},
+      {"wheel 5 6 -2", ScriptVerb::Wheel, {5, 6, 0, -2, held, 0}},
+      {"get SelectedItem", ScriptVerb::Get, {0, 0, 0, 0, held, 0}, "SelectedItem"},
       {"prop Caption=Hello there  # greeting",
        ScriptVerb::Prop,
        {0, 0, 0, 0, held, 0},
@@ -112,9 +114,10 @@ TEST(ScriptParserTest, WrongArgumentsAreProblems) {
   EXPECT_EQ(problemOf("move 1 2000000"), "Y 2000000 is outside -1000000..1000000");
   EXPECT_NE(problemOf("down 3 1 1").find("button \"3\""), std::string::npos);
   EXPECT_NE(problemOf("text \xf0\x9f\x98\x80").find("U+1F600"), std::string::npos);
-  for (const char* line : {"up", "keydown 256", "keyup 65 8", "char 65536", "char -1",
-                           "text \"open", "text \"a\" b", "text \xc3" /* cut UTF-8 */, "wait -1",
-                           "wait 3600001", "focus now", "prop Caption", "prop =1", "shot \"\""})
+  for (const char* line :
+       {"up", "keydown 256", "keyup 65 8", "char 65536", "char -1", "text \"open", "text \"a\" b",
+        "text \xc3" /* cut UTF-8 */, "wait -1", "wait 3600001", "focus now", "prop Caption",
+        "prop =1", "shot \"\"", "wheel 1 2", "wheel 1 2 40000", "get", "get a b"})
     EXPECT_NE(problemOf(line), "") << line;
 }
 

@@ -6,11 +6,14 @@
 #include <filesystem>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "apps/velt/SnapOptions.hpp"
 #include "velt/platform/Error.hpp"
+#include "velt/platform/Picture.hpp"
+#include "velt/platform/Png.hpp"
 
 namespace velt::tool {
 namespace {
@@ -86,6 +89,29 @@ TEST(SnapOptionsTest, BadMenuItemFieldsNameTheOptionAndTheField) {
   }
 }
 
+TEST(SnapOptionsTest, EntriesSortingAndImageStrips) {
+  const SnapOptions options = parse({"veltListbox", "--entry", "a", "--entry=b|\tBee|v|&H2|note",
+                                     "--sorted", "TRUE", "--imagelist", "C:dir/icons.png:20"});
+  ASSERT_EQ(options.Entries.size(), 2u);
+  const EntryArgument& b = options.Entries[1];
+  EXPECT_EQ(std::tuple(b.Key, b.Caption, b.Value, b.Icon, b.Comment),
+            std::tuple("b", "\tBee", "v", 2, "note"));
+  EXPECT_EQ(options.Entries[0].Icon, 0);
+  EXPECT_EQ(options.Sorted, true);
+  EXPECT_EQ(options.Images->File, "C:dir/icons.png");
+  EXPECT_EQ(options.Images->Width, 20);
+  EXPECT_FALSE(ImageStrip::Parse("icons.png").Width.has_value());
+  for (const auto& [option, value, named] :
+       std::vector<std::tuple<const char*, const char*, const char*>>{
+           {"--entry", "k|c|v|x", "Icon \"x\""},
+           {"--entry", "k|c|v|1|n|extra", "more than 5 fields"},
+           {"--sorted", "2", "--sorted \"2\""},
+           {"--imagelist", "a.png:0", "width 0"},
+           {"--imagelist", "a.png:2000", "width 2000"}})
+    EXPECT_NE(usageProblemOf({"veltListbox", option, value}).find(named), std::string::npos)
+        << value;
+}
+
 class SnapCommandTest : public ::testing::Test {
  protected:
   SnapCommandTest() { fs::create_directories(dir); }
@@ -127,6 +153,37 @@ TEST_F(SnapCommandTest, MenuItemsAndMenuNeedAPopupMenu) {
       << err.str();
   EXPECT_EQ(run({"veltPUMenu", "--item", "k", "--item", "k", "--out", outFile}), 2);
   EXPECT_TRUE(fs::is_empty(dir));
+}
+
+// A strip of two 4-pixel icons (red, blue) cut into the list's image list;
+// sorted entries; the wheel scrolls and get reads back what the list holds.
+TEST_F(SnapCommandTest, ListEntriesImageStripWheelAndGet) {
+  std::vector<uint32_t> pixels(8 * 4);
+  for (size_t i = 0; i < pixels.size(); ++i)
+    pixels[i] = (i % 8) < 4 ? 0xFFFF0000 : 0xFF0000FF;
+  Png::Write(path("strip.png"), Picture(8, 4, pixels));
+  std::vector<std::string> arguments = {"veltListbox",     "--size",  "120x60",
+                                        "--sorted",        "1",       "--imagelist",
+                                        path("strip.png"), "--input", "-"};
+  for (const char* entry : {"c|Cherry||2", "a|Apple||1", "b|Banana"}) {
+    arguments.push_back("--entry");
+    arguments.push_back(entry);
+  }
+  for (int i = 1; i <= 9; ++i) {
+    arguments.push_back("--entry");
+    arguments.push_back("z" + std::to_string(i) + "|Zoo " + std::to_string(i));
+  }
+  const std::string script = "click 20 5\nget SelectedItem\nwheel 20 20 -1\nget Enabled\n";
+  ASSERT_EQ(run(arguments, script), 0) << err.str();
+  EXPECT_EQ(out.str(), "SelectedItem=1\nEnabled=True\n");
+  EXPECT_EQ(run({"veltListbox", "--imagelist", path("strip.png") + ":3"}), 2);
+  EXPECT_NE(err.str().find("not a strip of square icons 3 pixels wide"), std::string::npos);
+  EXPECT_EQ(run({"veltButton", "--entry", "k"}), 2);
+  EXPECT_NE(err.str().find("veltButton has no list entries"), std::string::npos);
+  EXPECT_EQ(run({"veltTab", "--imagelist", path("strip.png")}), 2);
+  EXPECT_NE(err.str().find("veltTab has no ImageList"), std::string::npos);
+  EXPECT_EQ(run({"veltListbox", "--input", "-"}, "get Nothing\n"), 2);
+  EXPECT_NE(err.str().find("\"Nothing\""), std::string::npos);
 }
 
 TEST_F(SnapCommandTest, AFailureWhileRunningKeepsEarlierShotsOnly) {

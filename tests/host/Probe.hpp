@@ -24,6 +24,7 @@ class Probe : public UserControl {
   ControlHost* host = nullptr;
   std::string caption;
   std::function<void()> onMouseDown, onMouseUp, onReadProperties;
+  bool scrolls = false;  // takes the wheel's turns rather than passing them on
 
   std::string ClassName() const override { return "Probe"; }
   int16_t ID() const override { return 99; }
@@ -60,6 +61,10 @@ class Probe : public UserControl {
   }
   void OnMouseUp(int16_t b, int16_t s, float x, float y) override {
     react(mouse("MouseUp", b, s, x, y), onMouseUp);
+  }
+  bool OnMouseWheel(int16_t n, int16_t s, float x, float y) override {
+    record(mouse("MouseWheel", n, s, x, y));
+    return scrolls;
   }
   void OnKeyDown(int16_t& k, int16_t& s) override { record(key("KeyDown", k, s)); }
   void OnKeyUp(int16_t& k, int16_t& s) override { record(key("KeyUp", k, s)); }

@@ -89,6 +89,25 @@ TEST_F(RoutingTest, CaptureKeepsMovesAndTheReleaseWithThePressedSite) {
   EXPECT_EQ(form->CaptureSite(), nullptr);
 }
 
+// The wheel goes where the pointer is, whoever holds the capture; a part that
+// does not scroll passes the turn to its parent.
+TEST_F(RoutingTest, TheWheelGoesUnderThePointerAndUpToAControlThatScrolls) {
+  form->MoveWindow(100, 100);
+  Site& over = add("Over", 10, 10, 40, 40);
+  std::dynamic_pointer_cast<Probe>(over.Control())->scrolls = true;
+  ControlHost& part = addPart(over, "Part", 30, 20);
+  add("Other", 60, 0, 20, 20);
+  system->PostMouseWheel(145, 145, -2);
+  system->PostAction([&] { dynamic_cast<Site&>(part).Visible(false); });
+  system->PostMouseDown(1, 165, 105);
+  system->PostMouseWheel(145, 146, 1, 1);  // captured by Other, under Over
+  system->PostMouseWheel(300, 300, 1);     // on the bare form
+  system->RunUntilIdle();
+  EXPECT_EQ(journal,
+            (Calls{"Part:MouseWheel -2 0 5 5", "Over:MouseWheel -2 0 35 35", "Other:EnterFocus",
+                   "Other:MouseDown 1 0 5 5", "Over:MouseWheel 1 1 35 36"}));
+}
+
 // A press on the form's own background raises Form::MouseDown in form pixels
 // and captures for the form: no control sees that button until it is up.
 TEST_F(RoutingTest, PressOnTheBareFormIsTheFormsAndCapturesForIt) {

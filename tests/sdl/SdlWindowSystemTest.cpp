@@ -232,6 +232,21 @@ TEST_F(SdlWindowSystemTest, TheControlUnderThePointerGetsTheMouseAndKeepsItUntil
   EXPECT_EQ(system->AsyncKeyState(2), 0);
 }
 
+// Notches away from the user count positive, also from a flipped wheel; the
+// pointer is where the last motion put it.
+TEST_F(SdlWindowSystemTest, TheWheelReachesTheControlUnderThePointer) {
+  auto probe = addProbe("Probe1", 10);
+  motion(20, 25);
+  push({.wheel = {.type = SDL_MOUSEWHEEL, .windowID = windowId, .y = 2}});
+  push({.wheel = {.type = SDL_MOUSEWHEEL,
+                  .windowID = windowId,
+                  .y = 1,
+                  .direction = SDL_MOUSEWHEEL_FLIPPED}});
+  system->DoEvents();
+  EXPECT_EQ(probe->calls,
+            (Calls{"MouseMove 0 0 10 15", "MouseWheel 2 0 10 15", "MouseWheel -1 0 10 15"}));
+}
+
 TEST_F(SdlWindowSystemTest, KeysAndTextReachTheFocusedControlAndTabMovesTheFocusWhereItCan) {
   auto first = addProbe("Probe1", 10, true);
   key(true, SDLK_a, SDL_SCANCODE_A, KMOD_LSHIFT);

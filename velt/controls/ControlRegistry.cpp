@@ -5,6 +5,7 @@
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/buttons/veltXButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
+#include "velt/controls/lists/veltListbox.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
 #include "velt/controls/range/veltScrollBar.hpp"
@@ -221,6 +222,19 @@ ControlClass colorPickerClass() {
                       {color<P>("Color", &P::Color, &P::Color)});
 }
 
+ControlClass listboxClass() {
+  using L = veltListbox;
+  return ControlClass(
+      "veltListbox", SizeL{150, 120}, [] { return std::make_shared<L>(); },
+      {color<L>("BackColor", &L::BackColor, &L::BackColor),
+       color<L>("ForeColor", &L::ForeColor, &L::ForeColor),
+       boolean<L>("Enabled", &L::Enabled, &L::Enabled), font<L>("Font", &L::Font, &L::Font),
+       color<L>("SelectionColor", &L::SelectionColor, &L::SelectionColor),
+       imageList<L>("ImageList", &L::ImageList, &L::ImageList),
+       integer<L>("SelectedItem", &L::SelectedItem, &L::SelectedItem),
+       boolean<L>("HoverSelect", &L::HoverSelect, &L::HoverSelect)});
+}
+
 ControlClass tabClass() {
   return ControlClass("veltTab", SizeL{40, 40}, [] { return std::make_shared<veltTab>(); }, {});
 }
@@ -228,9 +242,9 @@ ControlClass tabClass() {
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
-                                         scrollBarClass(), sliderClass(), popupMenuClass(),
-                                         labelClass(), colorPickerClass(), tabClass()});
+  static const ControlRegistry registry(
+      {buttonClass(), glyphButtonClass(), progressBarClass(), scrollBarClass(), sliderClass(),
+       popupMenuClass(), labelClass(), colorPickerClass(), listboxClass(), tabClass()});
   return registry;
 }
 

@@ -88,6 +88,7 @@ class FormWindow final : public WindowSystem::FormClient,
   void OnKeyDown(int16_t keyCode, int16_t shift) override;
   void OnKeyUp(int16_t keyCode, int16_t shift) override;
   void OnKeyPress(int16_t charCode) override;
+  void OnMouseWheel(int16_t notches, int16_t shift, int32_t x, int32_t y) override;
   std::string Caption() const override { return name_; }
   void WindowMoved(int32_t x, int32_t y) override;
   // Tab order: the form's own controls in the order they were added, skipping

@@ -93,6 +93,16 @@ void InputRouter::MouseUp(int16_t button, int16_t shift, PointL point) {
   control->OnMouseUp(button, shift, local.x, local.y);
 }
 
+void InputRouter::MouseWheel(int16_t notches, int16_t shift, PointL point) {
+  for (std::shared_ptr<Site> site = SiteAt(point); site;
+       site = site->Parent() ? site->Parent()->shared_from_this() : nullptr) {
+    if (!site->ReceivesInput()) return;
+    const LocalPoint local = localPoint(*site, point);
+    std::shared_ptr<UserControl> control = site->Control();
+    if (control->OnMouseWheel(notches, shift, local.x, local.y)) return;
+  }
+}
+
 void InputRouter::KeyDown(int16_t keyCode, int16_t shift) {
   std::shared_ptr<Site> site = focus_.lock();
   if (!site || !site->ReceivesInput()) return;

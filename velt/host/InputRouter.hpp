@@ -32,6 +32,9 @@ class InputRouter {
   void MouseDown(int16_t button, int16_t shift, PointL point);
   void MouseMove(int16_t button, int16_t shift, PointL point);  // button: the mask held
   void MouseUp(int16_t button, int16_t shift, PointL point);
+  // To the site under the pointer (never the capture); a control that does
+  // not scroll passes the turn on to its parent, and so on up.
+  void MouseWheel(int16_t notches, int16_t shift, PointL point);
   void KeyDown(int16_t keyCode, int16_t shift);
   void KeyUp(int16_t keyCode, int16_t shift);
   void KeyPress(int16_t charCode);

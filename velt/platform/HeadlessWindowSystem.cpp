@@ -139,6 +139,10 @@ void HeadlessWindowSystem::PostMouseUp(int16_t button, int32_t x, int32_t y, int
   post(ScriptItem{ScriptKind::MouseUp, button, shift, PointL{x, y}, 0, {}});
 }
 
+void HeadlessWindowSystem::PostMouseWheel(int32_t x, int32_t y, int16_t notches, int16_t shift) {
+  post(ScriptItem{ScriptKind::MouseWheel, notches, shift, PointL{x, y}, 0, {}});
+}
+
 void HeadlessWindowSystem::PostKeyDown(int16_t keyCode, int16_t shift) {
   post(ScriptItem{ScriptKind::KeyDown, keyCode, shift, {}, 0, {}});
 }
@@ -219,6 +223,10 @@ void HeadlessWindowSystem::run(ScriptItem& item) {
       cursor_ = item.point;
       buttons_ &= ~static_cast<int32_t>(item.button);
       deliverMouseUp(item.button, item.shift, item.point);
+      break;
+    case ScriptKind::MouseWheel:
+      cursor_ = item.point;
+      deliverMouseWheel(item.button, item.shift, item.point);
       break;
     case ScriptKind::KeyDown:
       deliverKeyDown(item.button, item.shift);

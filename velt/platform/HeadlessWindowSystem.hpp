@@ -54,6 +54,9 @@ class HeadlessWindowSystem : public WindowSystem {
   void PostMouseMove(int32_t x, int32_t y);
   void PostMouseDown(int16_t button, int32_t x, int32_t y, int16_t shift = 0);
   void PostMouseUp(int16_t button, int32_t x, int32_t y, int16_t shift = 0);
+  // The wheel turned `notches` notches (positive away from the user) with the
+  // pointer at (x, y).
+  void PostMouseWheel(int32_t x, int32_t y, int16_t notches, int16_t shift = 0);
   void PostKeyDown(int16_t keyCode, int16_t shift = 0);
   void PostKeyUp(int16_t keyCode, int16_t shift = 0);
   void PostKeyPress(int16_t charCode);
@@ -74,10 +77,20 @@ class HeadlessWindowSystem : public WindowSystem {
   void SavePng(const std::string& path);
 
  private:
-  enum class ScriptKind { MouseMove, MouseDown, MouseUp, KeyDown, KeyUp, KeyPress, Wait, Action };
+  enum class ScriptKind {
+    MouseMove,
+    MouseDown,
+    MouseUp,
+    MouseWheel,
+    KeyDown,
+    KeyUp,
+    KeyPress,
+    Wait,
+    Action
+  };
   struct ScriptItem {
     ScriptKind kind;
-    int16_t button = 0;  // or the key or character code
+    int16_t button = 0;  // or the key or character code, or the wheel's notches
     int16_t shift = 0;
     PointL point;
     int64_t milliseconds = 0;

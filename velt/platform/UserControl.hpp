@@ -32,6 +32,12 @@ class UserControl {
   virtual void OnMouseDown(int16_t button, int16_t shift, float x, float y) = 0;
   virtual void OnMouseMove(int16_t button, int16_t shift, float x, float y) = 0;
   virtual void OnMouseUp(int16_t button, int16_t shift, float x, float y) = 0;
+  // The mouse wheel turned `notches` notches over the control (positive away
+  // from the user). A control that does not scroll returns false and the
+  // container offers the turn to the control's parent.
+  virtual bool OnMouseWheel(int16_t /*notches*/, int16_t /*shift*/, float /*x*/, float /*y*/) {
+    return false;
+  }
   virtual void OnKeyDown(int16_t& keyCode, int16_t& shift) = 0;
   virtual void OnKeyUp(int16_t& keyCode, int16_t& shift) = 0;
   virtual void OnKeyPress(int16_t& keyAscii) = 0;

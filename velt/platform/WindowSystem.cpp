@@ -193,6 +193,14 @@ void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) 
   }
 }
 
+void WindowSystem::deliverMouseWheel(int16_t notches, int16_t shift, PointL screen) {
+  auto self = weak_from_this().lock();
+  const Target target = windowAt(screen);
+  if (target.popup || !target.form) return;
+  const RectL rect = target.form->ScreenRect();
+  target.form->OnMouseWheel(notches, shift, screen.x - rect.Left, screen.y - rect.Top);
+}
+
 void WindowSystem::deliverKeyDown(int16_t keyCode, int16_t shift) {
   auto self = weak_from_this().lock();
   keysHeld_.insert(keyCode);

@@ -51,6 +51,10 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     virtual void OnKeyDown(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyUp(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyPress(int16_t charCode) = 0;
+    // The wheel turned `notches` notches (positive away from the user) with
+    // the pointer at (x, y).
+    virtual void OnMouseWheel(int16_t /*notches*/, int16_t /*shift*/, int32_t /*x*/,
+                              int32_t /*y*/) {}
     // The text of the window's title bar, for backends with real windows.
     virtual std::string Caption() const { return {}; }
     // The desktop placed or moved the window (a window manager, the user
@@ -123,6 +127,9 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   void deliverMouseDown(int16_t button, int16_t shift, PointL screen);
   void deliverMouseMove(int16_t shift, PointL screen);
   void deliverMouseUp(int16_t button, int16_t shift, PointL screen);
+  // The wheel goes to the form under the pointer (pop-ups take none), not to
+  // the one holding the capture.
+  void deliverMouseWheel(int16_t notches, int16_t shift, PointL screen);
   void deliverKeyDown(int16_t keyCode, int16_t shift);
   void deliverKeyUp(int16_t keyCode, int16_t shift);
   void deliverKeyPress(int16_t charCode);

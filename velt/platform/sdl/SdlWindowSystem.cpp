@@ -267,8 +267,11 @@ void SdlWindowSystem::handle(const SDL_Event& event) {
     case SDL_TEXTINPUT:
       onText(event.text);
       break;
+    case SDL_MOUSEWHEEL:
+      onWheel(event.wheel);
+      break;
     default:
-      break;  // the wheel, touch, drops and the rest are not used
+      break;  // touch, drops and the rest are not used
   }
 }
 
@@ -384,6 +387,15 @@ void SdlWindowSystem::onButton(const SDL_MouseButtonEvent& event, bool down) {
     if (buttons_ == 0) SDL_CaptureMouse(SDL_FALSE);
     deliverMouseUp(button, shift, screen);
   }
+}
+
+// Whole notches away from the user count positive, whichever way the desktop
+// says the wheel is turned; the pointer is where the last motion left it.
+void SdlWindowSystem::onWheel(const SDL_MouseWheelEvent& event) {
+  const int32_t notches = event.direction == SDL_MOUSEWHEEL_FLIPPED ? -event.y : event.y;
+  if (notches == 0) return;
+  deliverMouseWheel(static_cast<int16_t>(std::clamp(notches, -32768, 32767)), currentShift(),
+                    CursorPos());
 }
 
 void SdlWindowSystem::onKey(const SDL_KeyboardEvent& event, bool down) {

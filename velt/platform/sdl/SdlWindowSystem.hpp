@@ -13,6 +13,7 @@
 union SDL_Event;
 struct SDL_MouseMotionEvent;
 struct SDL_MouseButtonEvent;
+struct SDL_MouseWheelEvent;
 struct SDL_KeyboardEvent;
 struct SDL_TextInputEvent;
 struct SDL_WindowEvent;
@@ -103,6 +104,7 @@ class SdlWindowSystem final : public WindowSystem {
   void onWindowEvent(const SDL_WindowEvent& event);
   void onMotion(const SDL_MouseMotionEvent& event);
   void onButton(const SDL_MouseButtonEvent& event, bool down);
+  void onWheel(const SDL_MouseWheelEvent& event);
   void onKey(const SDL_KeyboardEvent& event, bool down);
   void onText(const SDL_TextInputEvent& event);
   void checkFocusLeftApplication();
