@@ -6,6 +6,7 @@
 #include "velt/platform/Error.hpp"
 #include "velt/platform/MemoryClipboard.hpp"
 #include "velt/platform/PopupWindow.hpp"
+#include "velt/platform/Shell.hpp"
 
 namespace velt {
 
@@ -98,6 +99,25 @@ void WindowSystem::ActivateForm(FormClient& form) {
 
 void WindowSystem::FormChanged(FormClient&) {}
 
+void WindowSystem::RefreshPointer() {
+  const PointL screen = CursorPos();
+  const Target target = mouseTarget(screen);
+  PointerLook look;
+  if (!target.popup && attached(target.form)) {
+    const RectL rect = target.form->ScreenRect();
+    look = target.form->PointerAt(screen.x - rect.Left, screen.y - rect.Top);
+  }
+  if (look == pointer_) return;
+  pointer_ = std::move(look);
+  showPointer(pointer_);
+}
+
+int32_t WindowSystem::ShellExecute(const std::string& operation, const std::string& file,
+                                   const std::string& parameters, const std::string& directory,
+                                   int32_t showCmd) {
+  return Shell::Execute(operation, file, parameters, directory, showCmd);
+}
+
 velt::Clipboard& WindowSystem::Clipboard() {
   if (!clipboard_) clipboard_ = std::make_unique<MemoryClipboard>();
   return *clipboard_;
@@ -148,6 +168,7 @@ void WindowSystem::deliverMouseDown(int16_t button, int16_t shift, PointL screen
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseDown(button, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverMouseMove(int16_t shift, PointL screen) {
@@ -164,6 +185,7 @@ void WindowSystem::deliverMouseMove(int16_t shift, PointL screen) {
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseMove(buttons, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) {
@@ -191,6 +213,7 @@ void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) 
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseUp(button, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverKeyDown(int16_t keyCode, int16_t shift) {
