@@ -138,6 +138,10 @@ void FormWindow::PointerChanged() {
   if (!closed_) system_->RefreshPointer();
 }
 
+void FormWindow::WindowShown() {
+  if (!closed_ && !router_.Focused()) FocusNext(false);
+}
+
 void FormWindow::Font(std::shared_ptr<velt::Font> font) {
   if (!font) throw Error(errObjectNotSet, "Form '" + name_ + "': Font set to nothing");
   font_ = std::move(font);

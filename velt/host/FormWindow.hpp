@@ -103,6 +103,9 @@ class FormWindow final : public WindowSystem::FormClient,
   // Tab order: the form's own controls in the order they were added, skipping
   // those that are hidden, disabled or wholly outside the client area.
   bool FocusNext(bool backward) override;
+  // As desktop forms do, a form whose window shows gives the focus to its
+  // first control that can take it, unless one has it already.
+  void WindowShown() override;
 
  private:
   friend class DispatchScope;

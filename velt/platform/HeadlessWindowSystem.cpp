@@ -140,6 +140,10 @@ void HeadlessWindowSystem::PostMouseUp(int16_t button, int32_t x, int32_t y, int
   post(ScriptItem{ScriptKind::MouseUp, button, shift, PointL{x, y}, 0, {}});
 }
 
+void HeadlessWindowSystem::PostMouseWheel(int16_t delta, int32_t x, int32_t y) {
+  post(ScriptItem{ScriptKind::MouseWheel, delta, 0, PointL{x, y}, 0, {}});
+}
+
 void HeadlessWindowSystem::PostKeyDown(int16_t keyCode, int16_t shift) {
   post(ScriptItem{ScriptKind::KeyDown, keyCode, shift, {}, 0, {}});
 }
@@ -213,6 +217,10 @@ void HeadlessWindowSystem::run(ScriptItem& item) {
       cursor_ = item.point;
       buttons_ &= ~static_cast<int32_t>(item.button);
       deliverMouseUp(item.button, item.shift, item.point);
+      break;
+    case ScriptKind::MouseWheel:
+      cursor_ = item.point;
+      deliverMouseWheel(item.button, item.point);
       break;
     case ScriptKind::KeyDown:
       deliverKeyDown(item.button, item.shift);

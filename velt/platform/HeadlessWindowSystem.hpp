@@ -59,6 +59,8 @@ class HeadlessWindowSystem : public WindowSystem {
   void PostKeyDown(int16_t keyCode, int16_t shift = 0);
   void PostKeyUp(int16_t keyCode, int16_t shift = 0);
   void PostKeyPress(int16_t charCode);
+  // The wheel over screen point (x, y): 120 a notch, positive away from the user.
+  void PostMouseWheel(int16_t delta, int32_t x, int32_t y);
   // AdvanceClock(milliseconds) when its turn comes.
   void PostWait(int64_t milliseconds);
   // Any step of the script's own, e.g. giving a control the focus.
@@ -91,7 +93,17 @@ class HeadlessWindowSystem : public WindowSystem {
   void SavePng(const std::string& path);
 
  private:
-  enum class ScriptKind { MouseMove, MouseDown, MouseUp, KeyDown, KeyUp, KeyPress, Wait, Action };
+  enum class ScriptKind {
+    MouseMove,
+    MouseDown,
+    MouseUp,
+    MouseWheel,
+    KeyDown,
+    KeyUp,
+    KeyPress,
+    Wait,
+    Action
+  };
   struct ScriptItem {
     ScriptKind kind;
     int16_t button = 0;  // or the key or character code

@@ -219,7 +219,12 @@ void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) 
 void WindowSystem::deliverKeyDown(int16_t keyCode, int16_t shift) {
   auto self = weak_from_this().lock();
   keysHeld_.insert(keyCode);
-  if (FormClient* form = keyTarget()) form->OnKeyDown(keyCode, shift);
+  if (std::shared_ptr<PopupWindow> popup = focusPopup_.lock(); popup && popup->Visible()) {
+    auto hold = popup->HoldOwner();
+    popup->KeyDown.Raise(keyCode, shift);
+  } else if (FormClient* form = keyTarget()) {
+    form->OnKeyDown(keyCode, shift);
+  }
 }
 
 void WindowSystem::deliverKeyUp(int16_t keyCode, int16_t shift) {
@@ -230,7 +235,20 @@ void WindowSystem::deliverKeyUp(int16_t keyCode, int16_t shift) {
 
 void WindowSystem::deliverKeyPress(int16_t charCode) {
   auto self = weak_from_this().lock();
-  if (FormClient* form = keyTarget()) form->OnKeyPress(charCode);
+  if (std::shared_ptr<PopupWindow> popup = focusPopup_.lock(); popup && popup->Visible()) {
+    auto hold = popup->HoldOwner();
+    popup->KeyPress.Raise(charCode);
+  } else if (FormClient* form = keyTarget()) {
+    form->OnKeyPress(charCode);
+  }
+}
+
+void WindowSystem::deliverMouseWheel(int16_t delta, PointL screen) {
+  auto self = weak_from_this().lock();
+  std::shared_ptr<PopupWindow> popup = windowAt(screen).popup;
+  if (!popup || !popup->Visible()) return;
+  auto hold = popup->HoldOwner();
+  popup->MouseWheel.Raise(delta);
 }
 
 void WindowSystem::popupShown(PopupWindow& popup) {

@@ -33,9 +33,9 @@ class PopupWindow;
 // the capture, else to the topmost visible window under the pointer. A press
 // captures the mouse for the window under the pointer until every button is
 // up, and gives that window the focus; a pop-up that loses the focus hears
-// LostFocus. Keys go to the focused window: a pop-up has no key events, so
-// keys pressed while one has the focus are dropped; otherwise they go to the
-// active form.
+// LostFocus. Keys go to the focused window: a pop-up with the focus hears
+// KeyDown and KeyPress (not KeyUp); otherwise they go to the active form. The
+// wheel goes to the pop-up under the pointer; forms take no wheel.
 class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
  public:
   // What the system needs from a form window: its client area on the screen,
@@ -61,6 +61,9 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     // Moves the focus to the next (backward: previous) control that can take
     // it, as the Tab key does; false when there is none to move to.
     virtual bool FocusNext(bool /*backward*/) { return false; }
+    // A backend with real windows tells the form once its window first shows
+    // on the screen.
+    virtual void WindowShown() {}
     // A number that changes whenever Image may have changed, so a backend can
     // skip composing and comparing an image that cannot have changed; none
     // when the form cannot tell.
@@ -154,6 +157,7 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   void deliverKeyDown(int16_t keyCode, int16_t shift);
   void deliverKeyUp(int16_t keyCode, int16_t shift);
   void deliverKeyPress(int16_t charCode);
+  void deliverMouseWheel(int16_t delta, PointL screen);
 
   // A backend with a real pointer shows the look here when it changes.
   virtual void showPointer(const PointerLook& /*look*/) {}

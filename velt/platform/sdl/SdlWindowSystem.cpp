@@ -269,11 +269,13 @@ bool SdlWindowSystem::anyFormOpen() const {
 }
 
 void SdlWindowSystem::present(bool force) {
+  std::vector<FormClient*> shown;
   for (FormFrame& entry : forms_) {
     if (entry.closed) continue;
     if (!entry.frame->Shown()) {
       entry.frame->Show(true);
       entry.exposed = true;
+      shown.push_back(entry.form);
     }
     const std::optional<uint64_t> stamp = entry.form->ImageStamp();
     const bool unchanged = stamp && stamp == entry.presented && !entry.exposed && !force;
@@ -284,6 +286,9 @@ void SdlWindowSystem::present(bool force) {
   for (SdlPopupWindow* popup : popups_)
     if (popup->Present(force)) ++drawCount_;
   pacer_.Presented(NowMs());
+  // Told after the loop: the focus handlers run here may change the windows.
+  for (FormClient* form : shown)
+    if (formFrame(*form)) form->WindowShown();
 }
 
 // ---- Events -------------------------------------------------------------------
@@ -310,8 +315,11 @@ void SdlWindowSystem::handle(const SDL_Event& event) {
     case SDL_TEXTINPUT:
       onText(event.text);
       break;
+    case SDL_MOUSEWHEEL:
+      onWheel(event.wheel);
+      break;
     default:
-      break;  // the wheel, touch, drops and the rest are not used
+      break;  // touch, drops and the rest are not used
   }
 }
 
@@ -434,6 +442,14 @@ void SdlWindowSystem::onButton(const SDL_MouseButtonEvent& event, bool down) {
     if (buttons_ == 0) SDL_CaptureMouse(SDL_FALSE);
     deliverMouseUp(button, shift, screen);
   }
+}
+
+void SdlWindowSystem::onWheel(const SDL_MouseWheelEvent& event) {
+  int notches = event.y;
+  if (event.direction == SDL_MOUSEWHEEL_FLIPPED) notches = -notches;
+  if (notches == 0) return;
+  constexpr int kNotch = 120;
+  deliverMouseWheel(static_cast<int16_t>(std::clamp(notches, -100, 100) * kNotch), CursorPos());
 }
 
 void SdlWindowSystem::onKey(const SDL_KeyboardEvent& event, bool down) {

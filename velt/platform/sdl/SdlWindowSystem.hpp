@@ -17,6 +17,7 @@ struct SDL_MouseMotionEvent;
 struct SDL_MouseButtonEvent;
 struct SDL_KeyboardEvent;
 struct SDL_TextInputEvent;
+struct SDL_MouseWheelEvent;
 struct SDL_WindowEvent;
 
 namespace velt {
@@ -113,6 +114,7 @@ class SdlWindowSystem final : public WindowSystem {
   void onButton(const SDL_MouseButtonEvent& event, bool down);
   void onKey(const SDL_KeyboardEvent& event, bool down);
   void onText(const SDL_TextInputEvent& event);
+  void onWheel(const SDL_MouseWheelEvent& event);
   void checkFocusLeftApplication();
   void releaseLostButtons();
   void giveFocusToActiveForm();
