@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
+#include "apps/velt/EventLine.hpp"
 #include "apps/velt/FocusSink.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/Png.hpp"
+#include "velt/platform/Variant.hpp"
 
 namespace velt::tool {
 
@@ -42,6 +45,16 @@ HeadlessSession::~HeadlessSession() = default;
 
 void HeadlessSession::adoptForm(std::unique_ptr<Form> form) {
   form_ = std::move(form);
+}
+
+void HeadlessSession::PrintShellRequests(std::ostream& out) {
+  shellPrinter_ =
+      system_->ShellOpened.connect([&out](const HeadlessWindowSystem::ShellRequest& request) {
+        const std::string operation = request.Operation.empty() ? "Open" : request.Operation;
+        std::vector<Variant> arguments{Variant(request.File)};
+        if (!request.Parameters.empty()) arguments.emplace_back(request.Parameters);
+        out << EventLine::Format("shell." + operation, arguments) << std::endl;
+      });
 }
 
 void HeadlessSession::WritePng(const std::string& path) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include "apps/velt/ScriptTarget.hpp"
 #include "velt/platform/Canvas.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 
 namespace velt {
@@ -31,6 +33,10 @@ class HeadlessSession : public ScriptTarget {
 
   HeadlessWindowSystem& System() { return *system_; }
   Form& HostForm() const { return *form_; }
+  // From now on writes a line to out for every document or address a control
+  // asks the desktop to open, which a headless run records and does not open:
+  // `shell.Open "https://example.org/"`.
+  void PrintShellRequests(std::ostream& out);
 
   // What a PNG of the session shows.
   virtual Canvas Snapshot() = 0;
@@ -57,6 +63,7 @@ class HeadlessSession : public ScriptTarget {
   std::shared_ptr<HeadlessWindowSystem> system_;
   std::unique_ptr<Form> form_;
   Site* sink_ = nullptr;
+  Connection shellPrinter_;
 };
 
 }  // namespace tool

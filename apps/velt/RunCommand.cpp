@@ -31,7 +31,9 @@ image lists and its controls with their places and stored properties) and
 runs it in a window until the window is closed.
 
   --events          print each event as it is raised, after the control's
-                    name and a dot: "okButton.Click" (as velt snap --events)
+                    name and a dot: "okButton.Click" (as velt snap --events);
+                    headless, a link a control would open prints as
+                    shell.Open "URL" and nothing is started
   --out FILE.png    a picture of the form at the end: with a window, what the
                     window shows when it is closed; headless, the form's
                     rectangle after the script, pop-ups included
@@ -79,7 +81,10 @@ int RunCommand::runHeadless(const RunOptions& options, const FormFile& file) {
   runner.Check(script);
 
   std::unique_ptr<FormEvents> events;
-  if (options.Events) events = std::make_unique<FormEvents>(session.HostForm(), out());
+  if (options.Events) {
+    events = std::make_unique<FormEvents>(session.HostForm(), out());
+    session.PrintShellRequests(out());
+  }
   runner.Run(script);
   if (options.Out) session.WritePng(*options.Out);
   if (options.Save) {

@@ -62,7 +62,9 @@ written without --out or a shot command.
   --events           print each event the control raises, as it is raised:
                      its name, then its arguments separated by spaces
                      (integers in decimal, Singles without trailing zeros,
-                     True/False, strings in JSON quotes)
+                     True/False, strings in JSON quotes); a link the control
+                     would open prints as shell.Open "URL" (nothing is
+                     opened: snap never starts the desktop's opener)
   --list             print the controls snap can create, one a line
 
 Script: one command a line, # starts a comment. X and Y are pixels of the
@@ -141,7 +143,10 @@ int SnapCommand::run(const SnapOptions& options) {
   runner.Check(script);
 
   std::optional<EventPrinter> printer;
-  if (options.Events) printer.emplace(session.ControlSite(), out());
+  if (options.Events) {
+    printer.emplace(session.ControlSite(), out());
+    session.PrintShellRequests(out());
+  }
   if (images) session.SetImageList(images);
   for (const PropertyArgument& property : properties)
     session.SetProperty(property);

@@ -35,7 +35,15 @@ UserControl& SnapSession::Control() {
   return *site_->Control();
 }
 
+void SnapSession::followControl() {
+  const RectL control = site_->Bounds();
+  const RectL form = HostForm().WindowRect();
+  if (control.Width() != form.Width() || control.Height() != form.Height())
+    HostForm().MoveWindow(form.Left, form.Top, control.Width(), control.Height());
+}
+
 Canvas SnapSession::Snapshot() {
+  followControl();
   if (wholeScreen_) return System().CompositeScreen();
   return screenPart(site_->WindowRect());
 }
@@ -46,6 +54,7 @@ void SnapSession::CheckProperty(const PropertyArgument& argument) const {
 
 void SnapSession::SetProperty(const PropertyArgument& argument) {
   argument.ApplyTo(class_, Control());
+  followControl();
 }
 
 void SnapSession::CheckGet(const std::string& name) const {

@@ -20,7 +20,10 @@ namespace tool {
 
 // One control alone on a headless form exactly the control's size: the world
 // of `velt snap`. The control is named after its class with a 1
-// ("veltButton1"); creating it runs InitProperties and Resize.
+// ("veltButton1"); creating it runs InitProperties and Resize. The form is
+// made at the size asked for, which the control starts with; a control that
+// sizes itself (a slider with tick labels, an AutoSize label) takes the form
+// along whenever a property is set and before every snapshot.
 class SnapSession : public HeadlessSession {
  public:
   // wholeScreen: snapshots show the whole screen, not the control's rectangle.
@@ -57,6 +60,7 @@ class SnapSession : public HeadlessSession {
 
  private:
   veltPUMenu* menu() const;  // nullptr unless the control is one
+  void followControl();
 
   const ControlClass& class_;
   bool wholeScreen_;

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -12,8 +14,10 @@
 
 #include "apps/velt/SnapOptions.hpp"
 #include "velt/platform/Error.hpp"
+#include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/Picture.hpp"
 #include "velt/platform/Png.hpp"
+#include "velt/platform/Types.hpp"
 
 namespace velt::tool {
 namespace {
@@ -192,6 +196,39 @@ TEST_F(SnapCommandTest, AFailureWhileRunningKeepsEarlierShotsOnly) {
   EXPECT_NE(err.str().find("line 3 \"focus\""), std::string::npos) << err.str();
   EXPECT_TRUE(fs::exists(path("early.png")));
   EXPECT_FALSE(fs::exists(path("out.png")));
+}
+
+// A control that sizes itself takes the form along: none of the desktop shows
+// in the picture, the slider's tick labels and the whole caption included.
+TEST_F(SnapCommandTest, TheFormFollowsAControlThatSizesItself) {
+  const std::vector<std::vector<std::string>> cases = {
+      {"veltSlider", "--prop", "TickStyle=3"},
+      {"veltLabel", "--prop", "Caption=a much longer caption", "--prop", "AutoSize=True"}};
+  for (std::vector<std::string> arguments : cases) {
+    arguments.insert(arguments.end(), {"--out", path("out.png")});
+    ASSERT_EQ(run(arguments), 0) << err.str();
+    const std::shared_ptr<Picture> picture = Png::Read(path("out.png"));
+    const uint32_t desktop = 0xFF000000u | OleToPixel(HeadlessWindowSystem::kDesktopColor);
+    const uint32_t* pixels = picture->Pixels();
+    const auto count = static_cast<size_t>(picture->Width()) * picture->Height();
+    EXPECT_EQ(std::count(pixels, pixels + count, desktop), 0) << arguments[0];
+  }
+}
+
+// The control's own error names the property; the tool does not say it again.
+// A link the control would open is printed, not opened.
+TEST_F(SnapCommandTest, ErrorsNameThePropertyOnceAndLinksArePrintedNotOpened) {
+  EXPECT_EQ(run({"veltScrollBar", "--prop", "Min=-2147483648"}), 2);
+  EXPECT_NE(err.str().find("velt snap: veltScrollBar.Min: the range"), std::string::npos)
+      << err.str();
+  EXPECT_EQ(
+      run({"veltLabel", "--prop", "Hyperlink=https://example.org/", "--events", "--input", "-"},
+          "click 20 10\n"),
+      0);
+  EXPECT_NE(out.str().find("HyperlinkClick \"https://example.org/\" False\n"
+                           "shell.Open \"https://example.org/\"\nMouseUp"),
+            std::string::npos)
+      << out.str();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +14,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,8 +22,11 @@
 #include "support/HeadlessForm.hpp"
 #include "support/Pixels.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
+#include "velt/controls/text/veltLabel.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
+#include "velt/platform/MousePointer.hpp"
+#include "velt/platform/Picture.hpp"
 #include "velt/platform/Png.hpp"
 #include "velt/platform/PopupWindow.hpp"
 #include "velt/platform/sdl/SdlWindowSystem.hpp"
@@ -143,6 +148,33 @@ TEST_F(SdlGuiTest, ARealClickReachesTheButtonWhichThenHasTheKeyboardUntilTab) {
   ASSERT_TRUE(run("xdotool key Tab"));
   EXPECT_TRUE(pumpUntil([&] { return form->FocusedSite() == form->FindSite("veltButton2"); }))
       << "Tab did not move the focus on";
+}
+
+// The form shown, its first control has the keyboard before anything is clicked.
+TEST_F(SdlGuiTest, AShownFormGivesItsFirstControlTheFocus) {
+  EXPECT_TRUE(pumpUntil([&] { return form->FocusedSite() == form->FindSite("veltButton1"); }));
+}
+
+// The cursor SDL shows is the shape of the control under the pointer: the
+// hand over a hyperlink while it is hovered, a picture for MousePointer 99,
+// the arrow again on the bare form.
+TEST_F(SdlGuiTest, TheCursorShownIsTheShapeOfTheControlUnderThePointer) {
+  auto link = form->Add<veltLabel>("link", 20, 80, 100, 20);
+  link->Hyperlink("https://example.org/");
+  const auto shownIs = [&](int16_t shape) {
+    return pumpUntil([&] { return system->ShownShape() == std::optional<int16_t>(shape); });
+  };
+  ASSERT_TRUE(pointTo(kFormLeft + 40, kFormTop + 90));
+  EXPECT_TRUE(shownIs(mpHand)) << "no hand over the hyperlink";
+  auto icon = std::make_shared<Picture>(16, 16);
+  std::fill(icon->Pixels(), icon->Pixels() + 256, 0xFFFF0000u);
+  link->MouseIcon(icon);
+  link->MousePointer(mpCustom);
+  EXPECT_TRUE(shownIs(mpCustom)) << "no picture for MousePointer 99";
+  link->MousePointer(mpIBeam);
+  EXPECT_TRUE(shownIs(mpIBeam));
+  ASSERT_TRUE(pointTo(kFormLeft + 5, kFormTop + 5));
+  EXPECT_TRUE(shownIs(mpDefault)) << "the bare form keeps the shape";
 }
 
 TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheForm) {

@@ -185,5 +185,25 @@ TEST_F(ComboDatasTest, PlacementMatchesTheLiteralWalkThroughRandomChanges) {
   }
 }
 
+// An entry assigned whole, copied or moved, has a new caption as surely as
+// one given through Caption: the next sorted Add walks, it does not halve a
+// list that is out of order.
+TEST_F(ComboDatasTest, AnEntryAssignedWholeCountsAsACaptionEdit) {
+  const Collator collator;
+  for (const bool moved : {false, true}) {
+    Captions model = sortedAdds(sd_Ascending, {"a", "b", "c", "d", "e", "f", "g", "h", "i"});
+    ComboDatas others;
+    ComboData& other = *others.Add("", "z");
+    if (moved)
+      *list.Item(5) = std::move(other);
+    else
+      *list.Item(5) = other;
+    model[4] = "z";
+    model.insert(model.begin() + walkedPlace(model, collator, true, sd_Ascending, "f2") - 1, "f2");
+    list.Add("", "f2");
+    EXPECT_EQ(captions(), model) << (moved ? "moved" : "copied");
+  }
+}
+
 }  // namespace
 }  // namespace velt

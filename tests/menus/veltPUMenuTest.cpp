@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +17,7 @@
 #include "support/ExpectError.hpp"
 #include "support/HeadlessForm.hpp"
 #include "support/Pixels.hpp"
+#include "velt/controls/menus/MenuLayout.hpp"
 #include "velt/foundation/Colors.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/ImageList.hpp"
@@ -203,15 +206,126 @@ TEST_F(veltPUMenuTest, HeadlessButtonReleaseOnlyAtASecondIdleDoEventsInARow) {
   EXPECT_EQ(opener->calls, (Lines{"MouseUp 1 0 6 6", "MouseUp 4 0 6 6"}));
 }
 
-TEST_F(veltPUMenuTest, WindowStepThatFailsIsSkippedAndTheMenuStillOpens) {
+// A caption wider than the screen (and than an Integer of twips) makes a menu
+// the screen's width, never the width of the menu open before, kept on the
+// screen; a menu taller than the room below its point moves up, one taller
+// than the screen starts at its top, the screen's height.
+TEST_F(veltPUMenuTest, AMenuIsKeptOnTheScreenNoWiderAndNoTallerThanIt) {
   addItems();
   openAt(10, 10);
-  const int32_t width = rect().Width();
-  menu->MenuItem->Add("", std::string(400, 'W'));  // wider than an Integer of twips
+  menu->MenuItem->Add("", std::string(400, 'W'));
   openAt(30, 30);
-  EXPECT_EQ(rect(), (RectL{30, 30, 30 + width, 30 + rect().Height()}));
-  EXPECT_EQ(menu->Listings()->Count(), 5);
+  EXPECT_EQ(rect(), (RectL{0, 30, 1024, 30 + rect().Height()}));
   EXPECT_EQ(menu->State(), veltPUMenu::msOpen);
+
+  menu->ClearItems();
+  for (int i = 0; i < 200; ++i)
+    menu->MenuItem->Add("", "Row " + std::to_string(i));
+  openAt(100, 100);
+  EXPECT_EQ(rect().Top, 0);
+  EXPECT_EQ(rect().Height(), 768);
+  EXPECT_TRUE(menu->MenuVisible);
+  menu->ClearItems();
+  const int32_t rows = 700 / textRow() + 1;
+  for (int i = 0; i < rows; ++i)
+    menu->MenuItem->Add("", "Row " + std::to_string(i));
+  openAt(100, 700);
+  EXPECT_EQ(rect(), (RectL{100, 0, rect().Right, rows * textRow() + 4}))
+      << "taller than the room above its point too";
+}
+
+// Two hundred rows scroll: the wheel, an arrow row the pointer rests on, a
+// click on an arrow row, and keys that move the highlight out of sight all
+// bring other rows between the arrow rows, and the rows there are the ones hit.
+TEST_F(veltPUMenuTest, AMenuTallerThanTheScreenScrolls) {
+  for (int i = 1; i <= 200; ++i)
+    menu->MenuItem->Add("k" + std::to_string(i), "Row " + std::to_string(i));
+  openAt(100, 100);
+  const int32_t arrow = kMenuArrowRowHeight;
+  const auto rowUnder = [&](int32_t y) {
+    hf.system->PostMouseMove(rect().Left + 40, y);
+    hf.Run();
+    return menu->SelectedIndex();
+  };
+  const int32_t firstRowMiddle = rect().Top + 1 + arrow + 1 + textRow() / 2;
+  EXPECT_EQ(rowUnder(firstRowMiddle), 1);
+  EXPECT_EQ(rowUnder(rect().Top + 3), 0) << "the top arrow row is no row";
+  hf.system->PostMouseWheel(rect().Left + 40, firstRowMiddle, -1);
+  hf.Run();
+  EXPECT_EQ(menu->ScrollTop(), 3 * textRow());
+  EXPECT_EQ(rowUnder(firstRowMiddle), 4);
+  hf.system->PostMouseWheel(rect().Left + 40, firstRowMiddle, 50);
+  hf.Run();
+  EXPECT_EQ(menu->ScrollTop(), 0) << "not above the first row";
+
+  rowUnder(rect().Bottom - 3);  // resting on the bottom arrow row
+  hf.Tick(veltPUMenu::kScrollInterval * 2);
+  EXPECT_EQ(menu->ScrollTop(), 2 * textRow());
+  rowUnder(firstRowMiddle);
+  hf.Tick(veltPUMenu::kScrollInterval * 2);
+  EXPECT_EQ(menu->ScrollTop(), 2 * textRow()) << "the pointer left the arrow row";
+  hf.system->PostMouseDown(1, rect().Left + 40, rect().Top + 3);
+  hf.system->PostMouseUp(1, rect().Left + 40, rect().Top + 3);
+  hf.Run();
+  EXPECT_EQ(menu->ScrollTop(), textRow()) << "a click on an arrow row scrolls a row";
+  EXPECT_TRUE(menu->Window()->Visible());
+
+  for (int up = 0; up < 3; ++up)  // from row 3, still highlighted: 2, 1, round to the last
+    hf.system->PostKeyDown(38);
+  hf.Run();
+  EXPECT_EQ(menu->SelectedIndex(), 200);
+  EXPECT_EQ(row(200).Top() + arrow - menu->ScrollTop() + row(200).Height(),
+            rect().Height() - 1 - arrow)
+      << "the last row shows right above the bottom arrow row";
+}
+
+// The keyboard: Up and Down walk the selectable rows round, the first letter
+// jumps to the next caption beginning with it, Enter chooses as a click does
+// and Escape closes with Closed only.
+TEST_F(veltPUMenuTest, KeysMoveTheHighlightChooseAndClose) {
+  addItems();  // 1 Open, 2 separator, 3 title, 4 Wrap lines
+  menu->MenuItem->Add("wide", "wider");
+  test::EventLog log(*site);
+  openAt(100, 100);
+  const auto keys = [&](const std::vector<int16_t>& codes, bool press = false) {
+    for (int16_t code : codes)
+      press ? hf.system->PostKeyPress(code) : hf.system->PostKeyDown(code);
+    hf.Run();
+    return menu->SelectedIndex();
+  };
+  const std::vector<std::pair<std::vector<int16_t>, int16_t>> walks = {
+      {{40}, 1}, {{40}, 4}, {{40}, 5}, {{40}, 1}, {{38}, 5}, {{38, 38}, 1}};
+  for (const auto& [codes, expected] : walks)
+    EXPECT_EQ(keys(codes), expected);
+  EXPECT_EQ(keys({'w'}, true), 4);
+  EXPECT_EQ(keys({'W'}, true), 5) << "the next one, ignoring case";
+  EXPECT_EQ(keys({'s'}, true), 5) << "titles are not chosen";
+  keys({13});
+  hf.Tick();
+  EXPECT_EQ(log.Lines(), (Lines{"ItemClick(i5, String:wide)", "Closed()"}));
+  EXPECT_FALSE(menu->MenuVisible);
+  log.Clear();
+  openAt(100, 100);
+  keys({40, 27});
+  hf.Tick();
+  EXPECT_EQ(log.Lines(), (Lines{"Closed()"}));
+}
+
+// Hit-testing follows painting when items change under an open menu: a row
+// whose item went is blank, one showing a separator now draws a separator, and
+// neither is hit: a click there only closes the menu.
+TEST_F(veltPUMenuTest, RowsOfRemovedItemsAreNotHit) {
+  addItems();
+  test::EventLog log(*site);
+  for (bool all : {false, true}) {
+    openAt(100, 100);
+    while (menu->MenuItem->Count() > (all ? 0 : 3))
+      menu->MenuItem->Remove(1);
+    clickRow(1);
+    hf.Tick();
+    EXPECT_EQ(log.Lines(), (Lines{"Closed()"})) << (all ? "all removed" : "the first removed");
+    log.Clear();
+  }
 }
 
 // ItemClick comes while the menu still shows; the menu then hides and Closed

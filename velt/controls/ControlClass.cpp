@@ -87,7 +87,13 @@ void ControlClass::rethrowNaming(const Property& property) const {
   try {
     throw;
   } catch (const Error& error) {
-    throw Error(error.Number(), name_ + "." + property.Name + ": " + error.Description());
+    // Controls name their property in their own errors; it is said once.
+    const std::string where = name_ + "." + property.Name;
+    const std::string& text = error.Description();
+    if (text.starts_with(where) && text.size() > where.size() &&
+        (text[where.size()] == ':' || text[where.size()] == '.'))
+      throw;
+    throw Error(error.Number(), where + ": " + error.Description());
   }
 }
 

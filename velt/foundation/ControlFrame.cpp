@@ -137,11 +137,13 @@ void ControlFrame::changeState(ButtonState state) {
   repaint();
 }
 
+// A tick that finds the state as it was changes nothing on the face, so it
+// paints nothing: a pointer resting on a control costs next to nothing.
 void ControlFrame::hoverFinding(HoverTracker::Finding finding) {
-  if (finding == HoverTracker::Finding::Left)
-    changeState(bsNormal);
-  else
-    changeState(mouseIsDown_ ? bsPressed : bsHover);
+  const ButtonState found = finding == HoverTracker::Finding::Left ? bsNormal
+                            : mouseIsDown_                         ? bsPressed
+                                                                   : bsHover;
+  if (found != state_) changeState(found);
 }
 
 // ---- Input ------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "velt/platform/ControlHost.hpp"
 #include "velt/platform/Shell.hpp"
 #include "velt/platform/SystemFolders.hpp"
 
@@ -72,6 +73,11 @@ std::string ReadRegistryString(HKEY hKey, const std::string& SubKey, const std::
 bool ShellOpen(const std::string& File, const std::string& Operation, const std::string& Parameters,
                const std::string& Directory, int32_t ShowCmd) {
   return Shell::Execute(Operation, File, Parameters, Directory, ShowCmd) >= 33;
+}
+
+bool ShellOpen(ControlHost& host, const std::string& File, const std::string& Operation,
+               const std::string& Parameters, const std::string& Directory, int32_t ShowCmd) {
+  return host.ShellExecute(Operation, File, Parameters, Directory, ShowCmd) >= 33;
 }
 
 std::string WindowsDirectory() {

@@ -96,6 +96,7 @@ void FormWindow::MoveWindow(int32_t x, int32_t y, int32_t width, int32_t height)
     throw Error(errInvalidPropertyValue, "Form '" + name_ + "': size " + std::to_string(width) +
                                              " x " + std::to_string(height) + " is negative");
   rect_ = RectL{x, y, x + width, y + height};
+  Touch();
   system_->FormChanged(*this);
 }
 
@@ -129,6 +130,19 @@ bool FormWindow::FocusNext(bool backward) {
   return false;
 }
 
+PointerLook FormWindow::PointerAt(int32_t x, int32_t y) const {
+  const Site* site = router_.Capturing() ? router_.Captured() : router_.SiteAt(PointL{x, y}).get();
+  return site ? site->Pointer() : PointerLook{};
+}
+
+void FormWindow::PointerChanged() {
+  if (!closed_) system_->RefreshPointer();
+}
+
+void FormWindow::WindowShown() {
+  if (!closed_ && !router_.Focused()) FocusNext(false);
+}
+
 void FormWindow::Font(std::shared_ptr<velt::Font> font) {
   if (!font) throw Error(errObjectNotSet, "Form '" + name_ + "': Font set to nothing");
   font_ = std::move(font);
@@ -145,6 +159,7 @@ Site& FormWindow::AddSite(std::shared_ptr<UserControl> control, const std::strin
   auto site = std::make_shared<Site>(*this, nullptr, name, std::move(control), bounds);
   sites_.push_back(site);
   sitesByName_.emplace(name, site.get());
+  Touch();
   try {
     site->Create(stored);
   } catch (...) {
@@ -170,8 +185,11 @@ void FormWindow::RemoveSite(const std::string& name) {
   std::shared_ptr<Site> site = *it;
   sites_.erase(it);
   sitesByName_.erase(name);
+  Touch();
   retired_.push_back(site);
-  if (std::exception_ptr failure = site->Close(true)) std::rethrow_exception(failure);
+  std::exception_ptr failure = site->Close(true);
+  PointerChanged();  // the pointer may have been over it
+  if (failure) std::rethrow_exception(failure);
 }
 
 Site* FormWindow::FindSite(const std::string& name) const {
@@ -215,7 +233,7 @@ void FormWindow::compose(const std::vector<std::shared_ptr<Site>>& sites, PointL
     const RectL bounds = site->Bounds();
     const RectL placed{origin.x + bounds.Left, origin.y + bounds.Top, origin.x + bounds.Right,
                        origin.y + bounds.Bottom};
-    copySurface(site->Surface(), image_, placed.Left, placed.Top, clip);
+    copySurface(site->Image(), image_, placed.Left, placed.Top, clip);
     compose(site->Children(), PointL{placed.Left, placed.Top}, intersect(clip, placed));
   }
 }

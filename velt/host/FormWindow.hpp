@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -50,7 +51,10 @@ class FormWindow final : public WindowSystem::FormClient,
   RectL ScreenRect() const override { return rect_; }
   void MoveWindow(int32_t x, int32_t y, int32_t width, int32_t height);  // error 380 below 0
   OLE_COLOR BackColor() const { return backColor_; }
-  void BackColor(OLE_COLOR color) { backColor_ = color; }
+  void BackColor(OLE_COLOR color) {
+    backColor_ = color;
+    Touch();
+  }
   const std::shared_ptr<velt::Font>& Font() const { return font_; }
   void Font(std::shared_ptr<velt::Font> font);  // error 91 for nullptr
 
@@ -90,10 +94,20 @@ class FormWindow final : public WindowSystem::FormClient,
   void OnKeyPress(int16_t charCode) override;
   void OnMouseWheel(int16_t notches, int16_t shift, int32_t x, int32_t y) override;
   std::string Caption() const override { return name_; }
+  std::optional<uint64_t> ImageStamp() const override { return stamp_; }
+  PointerLook PointerAt(int32_t x, int32_t y) const override;
+  // A control changed what the pointer shows over it.
+  void PointerChanged();
+  // Something the image shows may have changed: a surface was handed out for
+  // drawing, a control moved, showed, hid, came or went.
+  void Touch() { ++stamp_; }
   void WindowMoved(int32_t x, int32_t y) override;
   // Tab order: the form's own controls in the order they were added, skipping
   // those that are hidden, disabled or wholly outside the client area.
   bool FocusNext(bool backward) override;
+  // As desktop forms do, a form whose window shows gives the focus to its
+  // first control that can take it, unless one has it already.
+  void WindowShown() override;
 
  private:
   friend class DispatchScope;
@@ -114,6 +128,7 @@ class FormWindow final : public WindowSystem::FormClient,
   std::unordered_map<std::string, Site*> sitesByName_;  // the same sites, for lookups by name
   std::vector<std::shared_ptr<Site>> retired_;
   int32_t dispatchDepth_ = 0;
+  uint64_t stamp_ = 0;
   bool closed_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "velt/host/HostTimer.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "velt/host/DispatchScope.hpp"
@@ -8,8 +9,8 @@
 
 namespace velt {
 
-HostTimer::HostTimer(std::string name, TimerQueue* queue, std::weak_ptr<Site> site)
-    : name_(std::move(name)), queue_(queue), site_(std::move(site)) {
+HostTimer::HostTimer(std::string name, TimerQueue* queue, std::weak_ptr<Site> site, int32_t floorMs)
+    : name_(std::move(name)), queue_(queue), site_(std::move(site)), floorMs_(floorMs) {
   if (queue_) id_ = queue_->Add([this] { tick(); });
 }
 
@@ -49,7 +50,7 @@ void HostTimer::tick() {
 void HostTimer::reschedule() {
   if (!queue_) return;
   if (enabled_ && interval_ > 0)
-    queue_->Start(id_, interval_);
+    queue_->Start(id_, std::max(interval_, floorMs_));
   else
     queue_->Stop(id_);
 }

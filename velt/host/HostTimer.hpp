@@ -16,10 +16,12 @@ class Site;
 // from now. Each tick runs inside a dispatch scope of the control's form, so
 // the tick handler may remove the control or the form. Once the control is
 // removed the timer is detached and never ticks again, whatever is set on it.
+// An interval below the window system's floor fires at the floor; Interval
+// still reads as set.
 class HostTimer final : public Timer {
  public:
   // Without a queue the timer is detached from the start.
-  HostTimer(std::string name, TimerQueue* queue, std::weak_ptr<Site> site);
+  HostTimer(std::string name, TimerQueue* queue, std::weak_ptr<Site> site, int32_t floorMs = 1);
   ~HostTimer() override;
   HostTimer(const HostTimer&) = delete;
   HostTimer& operator=(const HostTimer&) = delete;
@@ -44,6 +46,7 @@ class HostTimer final : public Timer {
   std::weak_ptr<Site> site_;
   bool enabled_ = false;
   int32_t interval_ = 0;
+  int32_t floorMs_;
 };
 
 }  // namespace velt

@@ -98,6 +98,7 @@ std::exception_ptr Site::Close(bool terminate) {
   };
   if (terminate) attempt([this] { control_->Terminate(); });
   closed_ = true;
+  form_.Touch();
   for (const std::weak_ptr<HostTimer>& weak : timers_)
     if (std::shared_ptr<HostTimer> timer = weak.lock()) timer->Detach();
   timers_.clear();
@@ -148,6 +149,7 @@ void Site::MovePixels(int32_t left, int32_t top, int32_t width, int32_t height) 
   checkBounds("Move '" + name_ + "'", bounds);
   const bool resized = width != bounds_.Width() || height != bounds_.Height();
   bounds_ = bounds;
+  form_.Touch();
   if (!resized) return;
   surface_.Resize(width, height);
   DispatchScope scope = EnterDispatch();
@@ -163,6 +165,16 @@ bool Site::ReceivesInput() const {
 std::shared_ptr<velt::Font> Site::AmbientFont() const {
   if (parent_) return parent_->Font();
   return form_.Font()->Clone();
+}
+
+Canvas& Site::Surface() {
+  form_.Touch();
+  return surface_;
+}
+
+void Site::Visible(bool visible) {
+  visible_ = visible;
+  form_.Touch();
 }
 
 void Site::PropertyChanged(const std::string& propertyName) {
@@ -198,6 +210,31 @@ void Site::Move(int32_t left, int32_t top, int32_t width, int32_t height) {
   MovePixels(twipsToPixels(left), twipsToPixels(top), twipsToPixels(width), twipsToPixels(height));
 }
 
+void Site::MousePointer(int16_t shape) {
+  mousePointer_ = CheckedMousePointer(shape, "MousePointer of '" + name_ + "'");
+  form_.PointerChanged();
+}
+
+void Site::MouseIcon(std::shared_ptr<Picture> icon) {
+  mouseIcon_ = std::move(icon);
+  form_.PointerChanged();
+}
+
+void Site::PointerShape(int16_t shape) {
+  if (shape == pointerShape_) return;
+  pointerShape_ = shape;
+  form_.PointerChanged();
+}
+
+PointerLook Site::Pointer() const {
+  for (const Site* site = this; site; site = site->parent_) {
+    if (site->mousePointer_ == mpCustom) return PointerLook{mpCustom, site->mouseIcon_};
+    if (site->mousePointer_ != mpDefault) return PointerLook{site->mousePointer_, nullptr};
+    if (site->pointerShape_ != mpDefault) return PointerLook{site->pointerShape_, nullptr};
+  }
+  return PointerLook{};
+}
+
 void Site::SetFocus() {
   DispatchScope scope = EnterDispatch();
   if (closed_) throw Error(errInvalidProcedureCall, "SetFocus: '" + name_ + "' has been removed");
@@ -214,7 +251,8 @@ bool Site::HasFocus() const {
 
 std::shared_ptr<Timer> Site::CreateTimer(const std::string& name) {
   TimerQueue* queue = closed_ ? nullptr : &form_.System().Timers();
-  auto timer = std::make_shared<HostTimer>(name, queue, weak_from_this());
+  auto timer =
+      std::make_shared<HostTimer>(name, queue, weak_from_this(), form_.System().TimerFloorMs());
   std::erase_if(timers_, [](const std::weak_ptr<HostTimer>& weak) { return weak.expired(); });
   timers_.push_back(timer);
   return timer;
@@ -251,6 +289,13 @@ RectL Site::WindowRect() const {
   const int32_t left = form.Left + origin.x;
   const int32_t top = form.Top + origin.y;
   return RectL{left, top, left + bounds_.Width(), top + bounds_.Height()};
+}
+
+int32_t Site::ShellExecute(const std::string& operation, const std::string& file,
+                           const std::string& parameters, const std::string& directory,
+                           int32_t showCmd) {
+  std::shared_ptr<WindowSystem> system = form_.SharedSystem();
+  return system->ShellExecute(operation, file, parameters, directory, showCmd);
 }
 
 ControlHost& Site::AddChild(std::shared_ptr<UserControl> control, const std::string& name,

@@ -12,6 +12,7 @@
 #include "velt/platform/ControlHost.hpp"
 #include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
+#include "velt/platform/MousePointer.hpp"
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Variant.hpp"
 
@@ -81,7 +82,10 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   bool ReceivesInput() const;
 
   // ControlHost.
-  Canvas& Surface() override { return surface_; }
+  // Handing the surface out for drawing tells the form its image may change.
+  Canvas& Surface() override;
+  // The surface for reading.
+  const Canvas& Image() const { return surface_; }
   std::string AmbientDisplayName() const override { return name_; }
   // A control on the form gets a copy of the form's font; a part shares its
   // parent control's font object.
@@ -93,7 +97,7 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   std::shared_ptr<velt::Font> Font() const override { return font_; }
   void Font(std::shared_ptr<velt::Font> font) override;
   bool Visible() const override { return visible_; }
-  void Visible(bool visible) override { visible_ = visible; }
+  void Visible(bool visible) override;
   int32_t Left() const override;
   int32_t Top() const override;
   int32_t Width() const override;
@@ -101,6 +105,15 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   void Move(int32_t left, int32_t top, int32_t width, int32_t height) override;
   // Also takes the focus from a pop-up that has it. Error 5 when the control
   // is removed, hidden or disabled.
+  int16_t MousePointer() const override { return mousePointer_; }
+  void MousePointer(int16_t shape) override;
+  std::shared_ptr<Picture> MouseIcon() const override { return mouseIcon_; }
+  void MouseIcon(std::shared_ptr<Picture> icon) override;
+  int16_t PointerShape() const override { return pointerShape_; }
+  void PointerShape(int16_t shape) override;
+  // What the pointer shows over this control: MousePointer, else its own
+  // shape, else (mpDefault) what its parent shows.
+  PointerLook Pointer() const;
   void SetFocus() override;
   bool HasFocus() const override;
   std::shared_ptr<Timer> CreateTimer(const std::string& name) override;
@@ -111,6 +124,9 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   PointL CursorPos() const override;
   int16_t AsyncKeyState(int32_t virtualKey) const override;
   RectL WindowRect() const override;
+  int32_t ShellExecute(const std::string& operation, const std::string& file,
+                       const std::string& parameters, const std::string& directory,
+                       int32_t showCmd) override;
   // Left, top, width and height in pixels of this control's surface.
   ControlHost& AddChild(std::shared_ptr<UserControl> control, const std::string& name, int32_t left,
                         int32_t top, int32_t width, int32_t height) override;
@@ -125,6 +141,9 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   bool visible_ = true;
   bool closed_ = false;
   std::shared_ptr<velt::Font> font_;
+  int16_t mousePointer_ = mpDefault;
+  std::shared_ptr<Picture> mouseIcon_;
+  int16_t pointerShape_ = mpDefault;
   Canvas surface_;
   PropertyBag bag_;
   std::vector<std::string> changed_;

@@ -11,6 +11,7 @@ namespace velt {
 
 class Canvas;
 class Font;
+class Picture;
 class PopupWindow;
 class Timer;
 class UserControl;
@@ -52,6 +53,18 @@ class ControlHost {
   // calls the control's Resize.
   virtual void Move(int32_t left, int32_t top, int32_t width, int32_t height) = 0;
 
+  // The pointer over the control. MousePointer (0..15 or 99, error 380
+  // otherwise) and MouseIcon are container-side properties; where MousePointer
+  // is mpDefault the control's own shape shows, which it sets with
+  // PointerShape (any MousePointerShape: a hyperlink's hand, a text box's
+  // I-beam). A part showing mpDefault shows what the control it sits on shows.
+  virtual int16_t MousePointer() const = 0;
+  virtual void MousePointer(int16_t shape) = 0;
+  virtual std::shared_ptr<Picture> MouseIcon() const = 0;
+  virtual void MouseIcon(std::shared_ptr<Picture> icon) = 0;
+  virtual int16_t PointerShape() const = 0;
+  virtual void PointerShape(int16_t shape) = 0;
+
   // Focus and capture. The host holds the mouse capture while a button is held
   // on the control, so the release arrives even outside it.
   virtual void SetFocus() = 0;
@@ -68,6 +81,12 @@ class ControlHost {
   // Non-zero while the key or mouse button is held (1 left, 2 right, 4 middle).
   virtual int16_t AsyncKeyState(int32_t virtualKey) const = 0;
   virtual RectL WindowRect() const = 0;  // the control on screen, pixels
+  // Opens a document or address with the desktop's opener (see
+  // Shell::Execute for the arguments and the answer). A window system without
+  // a desktop records the request instead and answers that it succeeded.
+  virtual int32_t ShellExecute(const std::string& operation, const std::string& file,
+                               const std::string& parameters, const std::string& directory,
+                               int32_t showCmd) = 0;
 
   // Parts of composite controls. AddChild sites a control on this control's
   // surface and runs its creation (Initialize, InitProperties, Resize) with the

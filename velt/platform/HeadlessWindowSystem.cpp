@@ -9,6 +9,7 @@
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Png.hpp"
 #include "velt/platform/PopupWindow.hpp"
+#include "velt/platform/Shell.hpp"
 
 namespace velt {
 
@@ -244,6 +245,15 @@ void HeadlessWindowSystem::run(ScriptItem& item) {
       item.action();
       break;
   }
+}
+
+int32_t HeadlessWindowSystem::ShellExecute(const std::string& operation, const std::string& file,
+                                           const std::string& parameters,
+                                           const std::string& directory, int32_t /*showCmd*/) {
+  shellRequests_.push_back(ShellRequest{operation, file, parameters, directory});
+  auto self = weak_from_this().lock();
+  ShellOpened.Raise(shellRequests_.back());
+  return Shell::kSucceeded;
 }
 
 Canvas HeadlessWindowSystem::CompositeScreen() {

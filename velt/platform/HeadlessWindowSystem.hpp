@@ -5,8 +5,10 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "velt/platform/Canvas.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/Types.hpp"
 #include "velt/platform/VirtualClock.hpp"
@@ -71,6 +73,21 @@ class HeadlessWindowSystem : public WindowSystem {
   // DoEvents until no script item and no posted work is left (at least once).
   void RunUntilIdle();
 
+  // What the desktop's opener would have been asked to open: recorded in
+  // order and told to ShellOpened, nothing started; every request answers
+  // that it succeeded.
+  struct ShellRequest {
+    std::string Operation;
+    std::string File;
+    std::string Parameters;
+    std::string Directory;
+  };
+  int32_t ShellExecute(const std::string& operation, const std::string& file,
+                       const std::string& parameters, const std::string& directory,
+                       int32_t showCmd) override;
+  const std::vector<ShellRequest>& ShellRequests() const { return shellRequests_; }
+  Event<const ShellRequest&> ShellOpened;
+
   // The whole screen: desktop, forms, then pop-ups in stacking order, each
   // pop-up blended with its effective alpha over a drop shadow when it has one.
   Canvas CompositeScreen();
@@ -108,6 +125,7 @@ class HeadlessWindowSystem : public WindowSystem {
   int32_t buttons_ = 0;
   std::deque<ScriptItem> script_;
   int32_t idleCalls_ = 0;  // DoEvents calls in a row that found nothing to do
+  std::vector<ShellRequest> shellRequests_;
 };
 
 }  // namespace velt

@@ -59,6 +59,11 @@ class PopupWindow : public TopLevelWindow {
   Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> MouseUp;
   // A press and release of the left button on the window, after MouseUp.
   Event<> Click;
+  // The wheel turned over the window, in notches positive away from the user.
+  Event<int16_t /*Notches*/> MouseWheel;
+  // Keys pressed while the window has the input focus (a menu's keyboard).
+  Event<int16_t /*KeyCode*/, int16_t /*Shift*/> KeyDown;
+  Event<int16_t /*KeyAscii*/> KeyPress;
 
   // The owner of the window (a form) may need its controls to stay alive while
   // one of this window's events runs, as a handler may remove them. The window

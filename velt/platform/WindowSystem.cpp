@@ -6,6 +6,7 @@
 #include "velt/platform/Error.hpp"
 #include "velt/platform/MemoryClipboard.hpp"
 #include "velt/platform/PopupWindow.hpp"
+#include "velt/platform/Shell.hpp"
 
 namespace velt {
 
@@ -98,6 +99,25 @@ void WindowSystem::ActivateForm(FormClient& form) {
 
 void WindowSystem::FormChanged(FormClient&) {}
 
+void WindowSystem::RefreshPointer() {
+  const PointL screen = CursorPos();
+  const Target target = mouseTarget(screen);
+  PointerLook look;
+  if (!target.popup && attached(target.form)) {
+    const RectL rect = target.form->ScreenRect();
+    look = target.form->PointerAt(screen.x - rect.Left, screen.y - rect.Top);
+  }
+  if (look == pointer_) return;
+  pointer_ = std::move(look);
+  showPointer(pointer_);
+}
+
+int32_t WindowSystem::ShellExecute(const std::string& operation, const std::string& file,
+                                   const std::string& parameters, const std::string& directory,
+                                   int32_t showCmd) {
+  return Shell::Execute(operation, file, parameters, directory, showCmd);
+}
+
 velt::Clipboard& WindowSystem::Clipboard() {
   if (!clipboard_) clipboard_ = std::make_unique<MemoryClipboard>();
   return *clipboard_;
@@ -148,6 +168,7 @@ void WindowSystem::deliverMouseDown(int16_t button, int16_t shift, PointL screen
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseDown(button, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverMouseMove(int16_t shift, PointL screen) {
@@ -164,6 +185,7 @@ void WindowSystem::deliverMouseMove(int16_t shift, PointL screen) {
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseMove(buttons, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) {
@@ -191,12 +213,19 @@ void WindowSystem::deliverMouseUp(int16_t button, int16_t shift, PointL screen) 
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseUp(button, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
+  RefreshPointer();
 }
 
 void WindowSystem::deliverMouseWheel(int16_t notches, int16_t shift, PointL screen) {
   auto self = weak_from_this().lock();
   const Target target = windowAt(screen);
-  if (target.popup || !target.form) return;
+  if (target.popup) {
+    if (!target.popup->Visible()) return;
+    auto hold = target.popup->HoldOwner();
+    target.popup->MouseWheel.Raise(notches);
+    return;
+  }
+  if (!target.form) return;
   const RectL rect = target.form->ScreenRect();
   target.form->OnMouseWheel(notches, shift, screen.x - rect.Left, screen.y - rect.Top);
 }
@@ -204,7 +233,12 @@ void WindowSystem::deliverMouseWheel(int16_t notches, int16_t shift, PointL scre
 void WindowSystem::deliverKeyDown(int16_t keyCode, int16_t shift) {
   auto self = weak_from_this().lock();
   keysHeld_.insert(keyCode);
-  if (FormClient* form = keyTarget()) form->OnKeyDown(keyCode, shift);
+  if (std::shared_ptr<PopupWindow> popup = focusPopup_.lock(); popup && popup->Visible()) {
+    auto hold = popup->HoldOwner();
+    popup->KeyDown.Raise(keyCode, shift);
+  } else if (FormClient* form = keyTarget()) {
+    form->OnKeyDown(keyCode, shift);
+  }
 }
 
 void WindowSystem::deliverKeyUp(int16_t keyCode, int16_t shift) {
@@ -215,7 +249,12 @@ void WindowSystem::deliverKeyUp(int16_t keyCode, int16_t shift) {
 
 void WindowSystem::deliverKeyPress(int16_t charCode) {
   auto self = weak_from_this().lock();
-  if (FormClient* form = keyTarget()) form->OnKeyPress(charCode);
+  if (std::shared_ptr<PopupWindow> popup = focusPopup_.lock(); popup && popup->Visible()) {
+    auto hold = popup->HoldOwner();
+    popup->KeyPress.Raise(charCode);
+  } else if (FormClient* form = keyTarget()) {
+    form->OnKeyPress(charCode);
+  }
 }
 
 void WindowSystem::popupShown(PopupWindow& popup) {

@@ -4,12 +4,14 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "velt/platform/Clock.hpp"
 #include "velt/platform/Geometry.hpp"
+#include "velt/platform/MousePointer.hpp"
 #include "velt/platform/TimerQueue.hpp"
 
 namespace velt {
@@ -31,9 +33,9 @@ class PopupWindow;
 // the capture, else to the topmost visible window under the pointer. A press
 // captures the mouse for the window under the pointer until every button is
 // up, and gives that window the focus; a pop-up that loses the focus hears
-// LostFocus. Keys go to the focused window: a pop-up has no key events, so
-// keys pressed while one has the focus are dropped; otherwise they go to the
-// active form.
+// LostFocus. Keys go to the focused window: a pop-up with the focus hears
+// KeyDown and KeyPress (not KeyUp); otherwise they go to the active form. The
+// wheel goes to the window under the pointer.
 class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
  public:
   // What the system needs from a form window: its client area on the screen,
@@ -63,6 +65,16 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     // Moves the focus to the next (backward: previous) control that can take
     // it, as the Tab key does; false when there is none to move to.
     virtual bool FocusNext(bool /*backward*/) { return false; }
+    // A backend with real windows tells the form once its window first shows
+    // on the screen.
+    virtual void WindowShown() {}
+    // A number that changes whenever Image may have changed, so a backend can
+    // skip composing and comparing an image that cannot have changed; none
+    // when the form cannot tell.
+    virtual std::optional<uint64_t> ImageStamp() const { return std::nullopt; }
+    // What the pointer shows at a pixel of the client area (the control
+    // holding the capture decides while it holds it).
+    virtual PointerLook PointerAt(int32_t /*x*/, int32_t /*y*/) const { return {}; }
   };
 
   // One entry of the stack of windows: a form or a pop-up.
@@ -94,6 +106,10 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
 
   int64_t NowMs() const { return clock_->NowMs(); }
   TimerQueue& Timers() { return timers_; }
+  // The shortest interval a sited timer fires at: a shorter one fires this
+  // often. Real-time systems keep desktop timers from waking the loop more
+  // often than a display needs; a virtual clock keeps exact intervals.
+  int32_t TimerFloorMs() const { return timerFloorMs_; }
 
   // A new hidden pop-up window of this system.
   std::shared_ptr<PopupWindow> CreatePopup(const std::string& name);
@@ -112,6 +128,21 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   std::shared_ptr<PopupWindow> FocusedPopup() const { return focusPopup_.lock(); }
   FormClient* ActiveForm() const { return activeForm_; }
 
+  // What the pointer shows: the look of the control under it (or holding the
+  // capture) as its form tells it; the default over pop-ups, a form's bare
+  // background and the desktop. Worked out after every mouse event and by
+  // RefreshPointer; a backend with a real pointer shows it.
+  const PointerLook& Pointer() const { return pointer_; }
+  // Works the look out again where the pointer is now, as after the control
+  // under it changed its shape.
+  void RefreshPointer();
+
+  // Opens a document or address with the desktop's opener, as Shell::Execute
+  // does; a backend without a desktop records it instead.
+  virtual int32_t ShellExecute(const std::string& operation, const std::string& file,
+                               const std::string& parameters, const std::string& directory,
+                               int32_t showCmd);
+
   // The desktop's clipboard; this base keeps one in memory.
   virtual velt::Clipboard& Clipboard();
 
@@ -127,12 +158,15 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   void deliverMouseDown(int16_t button, int16_t shift, PointL screen);
   void deliverMouseMove(int16_t shift, PointL screen);
   void deliverMouseUp(int16_t button, int16_t shift, PointL screen);
-  // The wheel goes to the form under the pointer (pop-ups take none), not to
-  // the one holding the capture.
+  // The wheel goes to the window under the pointer, not to the one holding
+  // the capture.
   void deliverMouseWheel(int16_t notches, int16_t shift, PointL screen);
   void deliverKeyDown(int16_t keyCode, int16_t shift);
   void deliverKeyUp(int16_t keyCode, int16_t shift);
   void deliverKeyPress(int16_t charCode);
+
+  // A backend with a real pointer shows the look here when it changes.
+  virtual void showPointer(const PointerLook& /*look*/) {}
 
   // Makes the window object for CreatePopup, which registers it. A backend
   // with real windows returns its own kind of PopupWindow.
@@ -142,6 +176,8 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   // error thrown by formAttached leaves the form unattached.
   virtual void formAttached(FormClient& /*form*/) {}
   virtual void formDetached(FormClient& /*form*/) {}
+
+  void TimerFloorMs(int32_t milliseconds) { timerFloorMs_ = milliseconds; }
 
   // The work posted before the call; work posted meanwhile waits.
   void runPostedWork();
@@ -186,6 +222,8 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   std::set<int32_t> keysHeld_;
   std::deque<std::function<void()>> posted_;
   std::unique_ptr<velt::Clipboard> clipboard_;
+  int32_t timerFloorMs_ = 1;
+  PointerLook pointer_;
 };
 
 }  // namespace velt

@@ -9,6 +9,15 @@ namespace velt {
 // every property stores and returns its value unchanged.
 class ComboData {
  public:
+  ComboData() = default;
+  ComboData(const ComboData&) = default;
+  ComboData(ComboData&&) = default;
+  // Assigning an entry replaces its caption: it counts as a caption edit, so
+  // a sorted collection holding it no longer takes its order for granted.
+  ComboData& operator=(const ComboData& other);
+  ComboData& operator=(ComboData&& other) noexcept;
+  ~ComboData() = default;
+
   // The text shown for the entry, and what a sorted ComboDatas orders by.
   const std::string& Caption() const { return caption_; }
   void Caption(const std::string& value);

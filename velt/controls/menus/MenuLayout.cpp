@@ -2,6 +2,7 @@
 
 #include "velt/controls/menus/MenuItemListing.hpp"
 #include "velt/controls/menus/MenuItemListings.hpp"
+#include "velt/controls/menus/MenuItems.hpp"
 #include "velt/platform/ImageList.hpp"
 
 namespace velt {
@@ -39,12 +40,21 @@ bool MenuRowSelectable(eItemType itemType) {
   return itemType == itNormal || itemType == itCheck;
 }
 
-int16_t MenuRowIndexAt(const MenuItemListings& rows, float y) {
+bool MenuRowShown(const MenuItemListing& row, int32_t itemCount) {
+  return row.Index() >= 1 && row.Index() <= itemCount;
+}
+
+bool MenuRowChoosable(const MenuItemListing& row, const MenuItems* items) {
+  return items && row.Selectable() && MenuRowShown(row, items->Count()) &&
+         MenuRowSelectable(items->Item(row.Index())->ItemType());
+}
+
+int16_t MenuRowIndexAt(const MenuItemListings& rows, const MenuItems* items, float y) {
   int16_t index = 0;
   for (const std::shared_ptr<MenuItemListing>& row : rows) {
     const auto top = static_cast<float>(row->Top());
     const auto bottom = static_cast<float>(row->Top() + row->Height());
-    if (row->Selectable() && top < y && y < bottom) index = row->Index();
+    if (MenuRowChoosable(*row, items) && top < y && y < bottom) index = row->Index();
   }
   return index;
 }

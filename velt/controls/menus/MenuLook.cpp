@@ -81,10 +81,23 @@ void paintHighlight(Canvas& surface, const MenuLookState& state, const Roles& ro
   const std::shared_ptr<MenuItemListing> row = MenuRowShowing(*state.rows, state.selectedIndex);
   if (!row) return;
   const int32_t w = surface.ScaleWidth();
-  shadeAcross(surface, kShadeInset, row->Top() + 1, w - 2 * kShadeInset, row->Height() - 2,
+  const int32_t top = row->Top() + state.rowOffset;
+  shadeAcross(surface, kShadeInset, top + 1, w - 2 * kShadeInset, row->Height() - 2,
               roles.highlightStart, roles.highlightEnd);
-  frame(surface, kHighlightFrameInset, row->Top(), w - 1 - kHighlightFrameInset,
-        row->Top() + row->Height() - 1, roles.frame);
+  frame(surface, kHighlightFrameInset, top, w - 1 - kHighlightFrameInset, top + row->Height() - 1,
+        roles.frame);
+}
+
+// A triangle pointing up or down, centred in the band, in the frame colour.
+void paintArrowRow(Canvas& surface, int32_t top, bool up, OLE_COLOR back, OLE_COLOR color) {
+  const int32_t w = surface.ScaleWidth();
+  surface.FillRect(1, top, w - 2, kMenuArrowRowHeight, back);
+  constexpr int32_t kHalf = 4;
+  const int32_t middle = top + kMenuArrowRowHeight / 2;
+  for (int32_t i = 0; i < kHalf; ++i) {
+    const int32_t y = up ? middle - kHalf / 2 + i : middle + kHalf / 2 - i;
+    surface.FillRect(w / 2 - i, y, 2 * i + 1, 1, color);
+  }
 }
 
 // An icon the image list cannot give is left out.
@@ -111,7 +124,7 @@ void paintCheck(Canvas& surface, int32_t top, int32_t height, int32_t column, bo
 void paintRow(Canvas& surface, const MenuLookState& state, const Roles& roles,
               const MenuItemListing& row, const MenuItem& item) {
   const int32_t w = surface.ScaleWidth();
-  const int32_t top = row.Top();
+  const int32_t top = row.Top() + state.rowOffset;
   const int32_t h = row.Height();
   const int32_t column = MenuIconColumnWidth(state.imageList);
   MatchBold(surface, item.Bold());
@@ -148,14 +161,24 @@ void PaintMenu(Canvas& surface, const MenuLookState& state) {
   surface.Clear();
   paintBorder(surface, state.openWidth, roles.frame);
   paintHighlight(surface, state, roles);
-  if (!state.rows || !state.items) return;
-  const int32_t count = state.items->Count();
-  for (const std::shared_ptr<MenuItemListing>& row : *state.rows) {
-    // The items may have been changed under an open menu: a row whose item
-    // went shows nothing.
-    if (row->Index() < 1 || row->Index() > count) continue;
-    paintRow(surface, state, roles, *row, *state.items->Item(row->Index()));
+  if (state.rows && state.items) {
+    const int32_t count = state.items->Count();
+    const int32_t height = surface.ScaleHeight();
+    for (const std::shared_ptr<MenuItemListing>& row : *state.rows) {
+      // The items may have been changed under an open menu: a row whose item
+      // went shows nothing.
+      if (!MenuRowShown(*row, count)) continue;
+      const int32_t top = row->Top() + state.rowOffset;
+      if (top + row->Height() <= 0 || top >= height) continue;  // scrolled out of sight
+      paintRow(surface, state, roles, *row, *state.items->Item(row->Index()));
+    }
   }
+  if (!state.scrollArrows) return;
+  // The arrow rows cover what scrolled under them, then the border is whole again.
+  paintArrowRow(surface, 1, true, state.colors.Back, roles.frame);
+  paintArrowRow(surface, surface.ScaleHeight() - 1 - kMenuArrowRowHeight, false, state.colors.Back,
+                roles.frame);
+  paintBorder(surface, state.openWidth, roles.frame);
 }
 
 }  // namespace velt

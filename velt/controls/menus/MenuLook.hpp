@@ -20,6 +20,8 @@ struct MenuLookState {
   const ImageList* imageList = nullptr;    // nothing: no icons
   int16_t selectedIndex = 0;               // Index of the item under the pointer, 0 = none
   int16_t openWidth = 0;                   // pixels of the top border left open
+  bool scrollArrows = false;               // a scrolling menu: arrow rows at both ends
+  int32_t rowOffset = 0;                   // added to every row's Top (the scroll)
 };
 
 // Paints the whole menu window: clears it, draws the border with its gap, the

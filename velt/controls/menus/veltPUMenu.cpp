@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <utility>
+#include <vector>
 
+#include "velt/controls/menus/MenuItemListing.hpp"
 #include "velt/controls/menus/MenuLayout.hpp"
 #include "velt/controls/menus/MenuLook.hpp"
 #include "velt/foundation/EventRaising.hpp"
 #include "velt/foundation/WindowRoutines.hpp"
 #include "velt/platform/Canvas.hpp"
+#include "velt/platform/CaseFolding.hpp"
 #include "velt/platform/ControlHost.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Font.hpp"
@@ -17,6 +20,7 @@
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Rounding.hpp"
 #include "velt/platform/Timer.hpp"
+#include "velt/platform/Utf8.hpp"
 #include "velt/platform/Variant.hpp"
 
 namespace velt {
@@ -28,6 +32,11 @@ constexpr const char* kSelectionColorKey = "SelectionColor";
 
 constexpr int32_t kVkLeftButton = 1;
 constexpr int32_t kVkRightButton = 2;
+constexpr int16_t kVkEnter = 13;
+constexpr int16_t kVkEscape = 27;
+constexpr int16_t kVkUp = 38;
+constexpr int16_t kVkDown = 40;
+constexpr int32_t kWheelRows = 3;  // rows a notch of the wheel scrolls
 
 // The window steps of opening and closing the menu are requests a window
 // system may refuse; a refused step is skipped and the next one runs.
@@ -133,6 +142,14 @@ void veltPUMenu::siteWindow(ControlHost& host) {
       [this](int16_t, int16_t, float, float y) { onWindowMouseMove(y); });
   windowClick_ = window_->Click.connect([this] { onWindowClick(); });
   windowLostFocus_ = window_->LostFocus.connect([this] { onWindowLostFocus(); });
+  windowWheel_ =
+      window_->MouseWheel.connect([this](int16_t notches) { onWindowWheel(notches); });
+  windowMouseDown_ =
+      window_->MouseDown.connect([this](int16_t, int16_t, float, float y) { pointerY_ = y; });
+  windowKeyDown_ =
+      window_->KeyDown.connect([this](int16_t keyCode, int16_t) { onWindowKeyDown(keyCode); });
+  windowKeyPress_ =
+      window_->KeyPress.connect([this](int16_t keyAscii) { onWindowKeyPress(keyAscii); });
   ignoringErrors([this] { window_->ToolWindow(true); });
 }
 
@@ -141,6 +158,10 @@ void veltPUMenu::siteTimer(ControlHost& host) {
   tmrFocus_->Interval(kTimerInterval);
   tmrFocus_->Enabled(false);
   timerTick_ = tmrFocus_->Tick.connect([this] { onTimerTick(); });
+  tmrScroll_ = host.CreateTimer(kScrollTimerName);
+  tmrScroll_->Interval(kScrollInterval);
+  tmrScroll_->Enabled(false);
+  scrollTick_ = tmrScroll_->Tick.connect([this] { onScrollTick(); });
 }
 
 void veltPUMenu::InitProperties() {
@@ -209,7 +230,13 @@ void veltPUMenu::Terminate() {
   windowMouseMove_.disconnect();
   windowClick_.disconnect();
   windowLostFocus_.disconnect();
+  windowWheel_.disconnect();
+  windowMouseDown_.disconnect();
+  windowKeyDown_.disconnect();
+  windowKeyPress_.disconnect();
   timerTick_.disconnect();
+  if (tmrScroll_) ignoringErrors([this] { tmrScroll_->Enabled(false); });
+  scrollTick_.disconnect();
   MenuItem.reset();
   listings_.reset();
   shownItems_.reset();
@@ -240,12 +267,18 @@ void veltPUMenu::CreateMenu(int32_t& X, int32_t& Y, std::string& sGroup, int16_t
   if (X == 0 && Y == 0) placeAtPointer(X, Y);
 
   const int32_t total = layOut(sGroup);
-  const RectL before = window_->WindowRect();
-  int64_t width = int64_t{before.Width()} * h.TwipsPerPixelX();
-  ignoringErrors([&] { width = menuWidth(); });
-  const int64_t height = (int64_t{total} + kMenuExtraHeight) * h.TwipsPerPixelY();
-
   const SizeL screen = h.ScreenSize();
+  // Rows taller than the screen scroll inside a window the screen's height.
+  int32_t heightPixels = total + kMenuExtraHeight;
+  scrolling_ = heightPixels > screen.height && screen.height > 2 * kMenuArrowRowHeight + 4;
+  if (scrolling_) heightPixels = screen.height;
+  scroll_ = 0;
+  maxScroll_ = scrolling_ ? total + kMenuExtraHeight + 2 * kMenuArrowRowHeight - heightPixels : 0;
+  scrollDirection_ = 0;
+  if (tmrScroll_) tmrScroll_->Enabled(false);
+  const int64_t width = int64_t{menuWidth(screen.width)} * h.TwipsPerPixelX();
+  const int64_t height = int64_t{heightPixels} * h.TwipsPerPixelY();
+
   if (X + width > int64_t{screen.width} * h.TwipsPerPixelX()) X = static_cast<int32_t>(X - width);
   if (Y + height > int64_t{screen.height} * h.TwipsPerPixelY()) {
     Y = static_cast<int32_t>(Y - height);
@@ -253,6 +286,9 @@ void veltPUMenu::CreateMenu(int32_t& X, int32_t& Y, std::string& sGroup, int16_t
   } else {
     openWidth_ = M_Width;
   }
+  // Flipped past the left or top edge, the menu starts there instead.
+  X = std::max(X, 0);
+  Y = std::max(Y, 0);
 
   // Sized and placed in one move, then painted once: the surface takes its
   // new size on the move, and both paints of a two-step placement would draw
@@ -286,6 +322,7 @@ int32_t veltPUMenu::layOut(const std::string& group) {
   ignoringErrors([&] { surface.Font(host_->Font()->Clone()); });
   if (!shownItems_) return 0;
   const int32_t textHeight = surface.TextHeight("I");
+  scrollStep_ = MenuRowHeight(itNormal, textHeight, imageList_.get());
   int32_t y = kMenuFirstRowTop;
   int32_t total = 0;
   int32_t index = 0;
@@ -300,23 +337,23 @@ int32_t veltPUMenu::layOut(const std::string& group) {
   return total;
 }
 
-// In twips: room for the widest caption of all groups, measured in its own
-// weight, beside the icon column. Error 6 beyond an Integer.
-int16_t veltPUMenu::menuWidth() {
+// In pixels: room for the widest caption of all groups, measured in its own
+// weight, beside the icon column, but no wider than the screen: a longer
+// caption is clipped by the window. A caption that cannot be measured counts
+// as empty.
+int32_t veltPUMenu::menuWidth(int32_t screenWidth) {
   Canvas& surface = window_->Surface();
   int32_t widest = 0;
   if (MenuItem) {
     for (const std::shared_ptr<velt::MenuItem>& item : *MenuItem) {
-      MatchBold(surface, item->Bold());
-      widest = std::max(widest, surface.TextWidth(item->Caption()));
+      ignoringErrors([&] {
+        MatchBold(surface, item->Bold());
+        widest = std::max(widest, surface.TextWidth(item->Caption()));
+      });
     }
   }
   const int64_t pixels = int64_t{MenuIconColumnWidth(imageList_.get())} + widest + kMenuExtraWidth;
-  const int64_t twips = pixels * host_->TwipsPerPixelX();
-  if (twips > INT16_MAX)
-    throw Error(errOverflow, "veltPUMenu.CreateMenu: a menu " + std::to_string(pixels) +
-                                 " pixels wide is too wide");
-  return static_cast<int16_t>(twips);
+  return static_cast<int32_t>(std::clamp<int64_t>(pixels, 0, std::max(screenWidth, 0)));
 }
 
 // A menu opened by a press stays open when that press ends: the focus timer
@@ -359,6 +396,8 @@ void veltPUMenu::paintMenu() {
   state.imageList = imageList_.get();
   state.selectedIndex = selectedIndex_;
   state.openWidth = openWidth_;
+  state.scrollArrows = scrolling_;
+  state.rowOffset = rowOffset();
   PaintMenu(window_->Surface(), state);
 }
 
@@ -366,15 +405,28 @@ void veltPUMenu::paintMenu() {
 
 // SelectedIndex is the Index of the row under the pointer: the item's
 // position in the menu's items, whatever row of the shown group it is in.
+// Over an arrow row of a scrolling menu nothing is highlighted and the rows
+// scroll while the pointer rests there.
 void veltPUMenu::onWindowMouseMove(float y) {
   const auto self = weak_from_this().lock();
-  selectedIndex_ = listings_ ? MenuRowIndexAt(*listings_, y) : 0;
+  pointerY_ = y;
+  scrollDirection_ = arrowAt(y);
+  if (tmrScroll_ && host_) tmrScroll_->Enabled(scrollDirection_ != 0);
+  selectedIndex_ =
+      listings_ && scrollDirection_ == 0
+          ? MenuRowIndexAt(*listings_, shownItems_.get(), y - static_cast<float>(rowOffset()))
+          : 0;
   paintMenu();
 }
 
+// A click on an arrow row scrolls a row and keeps the menu open.
 void veltPUMenu::onWindowClick() {
   const auto self = weak_from_this().lock();
   if (!host_) return;
+  if (const int32_t arrow = arrowAt(pointerY_); arrow != 0) {
+    scrollBy(arrow * scrollStep_);
+    return;
+  }
   if (selectedIndex_ != 0 && shownItems_) {
     const int16_t index = selectedIndex_;
     std::string key;
@@ -386,6 +438,51 @@ void veltPUMenu::onWindowClick() {
   }
   hideWindow();
   selectedIndex_ = 0;
+}
+
+void veltPUMenu::onWindowWheel(int16_t notches) {
+  const auto self = weak_from_this().lock();
+  scrollBy(-notches * kWheelRows * scrollStep_);
+}
+
+void veltPUMenu::onScrollTick() {
+  const auto self = weak_from_this().lock();
+  if (scrollDirection_ == 0 || !windowShown()) {
+    tmrScroll_->Enabled(false);
+    return;
+  }
+  scrollBy(scrollDirection_ * scrollStep_);
+}
+
+// Enter chooses as a click does (ItemClick, hide, Closed from the timer);
+// Escape closes without choosing.
+void veltPUMenu::onWindowKeyDown(int16_t keyCode) {
+  const auto self = weak_from_this().lock();
+  if (!host_ || !windowShown()) return;
+  switch (keyCode) {
+    case kVkUp:
+      moveHighlight(-1);
+      break;
+    case kVkDown:
+      moveHighlight(1);
+      break;
+    case kVkEnter:
+      pointerY_ = -1;  // not an arrow row
+      onWindowClick();
+      break;
+    case kVkEscape:
+      hideWindow();
+      selectedIndex_ = 0;
+      break;
+    default:
+      break;
+  }
+}
+
+void veltPUMenu::onWindowKeyPress(int16_t keyAscii) {
+  const auto self = weak_from_this().lock();
+  if (!host_ || !windowShown() || keyAscii < ' ') return;
+  jumpToLetter(keyAscii);
 }
 
 void veltPUMenu::onWindowLostFocus() {
@@ -404,6 +501,85 @@ void veltPUMenu::onTimerTick() {
     RaiseEvent(*host_, "Closed", Closed);
   } else if (!MenuVisible) {
     MenuVisible = true;
+  }
+}
+
+// ---- Scrolling and the keyboard -----------------------------------------------
+
+// Rows are laid out from the window's top; a scrolling menu shows them below
+// its top arrow row, moved up by what was scrolled.
+int32_t veltPUMenu::rowOffset() const {
+  return scrolling_ ? kMenuArrowRowHeight - scroll_ : 0;
+}
+
+int32_t veltPUMenu::arrowAt(float y) const {
+  if (!scrolling_ || !window_) return 0;
+  const auto height = static_cast<float>(window_->Surface().ScaleHeight());
+  if (y >= 1 && y < 1 + kMenuArrowRowHeight) return -1;
+  if (y >= height - 1 - kMenuArrowRowHeight && y < height - 1) return 1;
+  return 0;
+}
+
+void veltPUMenu::scrollBy(int32_t pixels) {
+  const int32_t scroll = std::clamp(scroll_ + pixels, 0, maxScroll_);
+  if (scroll == scroll_) return;
+  scroll_ = scroll;
+  paintMenu();
+}
+
+// Highlights the row and scrolls it into the band between the arrow rows.
+void veltPUMenu::highlight(const MenuItemListing& row) {
+  selectedIndex_ = row.Index();
+  if (scrolling_) {
+    const int32_t bandTop = 1 + kMenuArrowRowHeight;
+    const int32_t bandBottom = window_->Surface().ScaleHeight() - 1 - kMenuArrowRowHeight;
+    const int32_t top = row.Top() + rowOffset();
+    if (top < bandTop)
+      scroll_ = std::clamp(scroll_ - (bandTop - top), 0, maxScroll_);
+    else if (top + row.Height() > bandBottom)
+      scroll_ = std::clamp(scroll_ + (top + row.Height() - bandBottom), 0, maxScroll_);
+  }
+  paintMenu();
+}
+
+// Over the selectable rows still showing an item, round from either end.
+void veltPUMenu::moveHighlight(int32_t step) {
+  if (!listings_ || !shownItems_) return;
+  std::vector<std::shared_ptr<MenuItemListing>> rows;
+  for (const std::shared_ptr<MenuItemListing>& row : *listings_)
+    if (MenuRowChoosable(*row, shownItems_.get())) rows.push_back(row);
+  if (rows.empty()) return;
+  const auto count = static_cast<int32_t>(rows.size());
+  int32_t at = step > 0 ? -1 : count;
+  for (int32_t i = 0; i < count; ++i)
+    if (rows[i]->Index() == selectedIndex_) at = i;
+  highlight(*rows[((at + step) % count + count) % count]);
+}
+
+// The next selectable row after the highlighted one, round from the top, whose
+// caption begins with the letter, compared without regard to case.
+void veltPUMenu::jumpToLetter(int16_t keyAscii) {
+  if (!listings_ || !shownItems_) return;
+  std::string letter;
+  Utf8::Append(letter, static_cast<char32_t>(static_cast<uint16_t>(keyAscii)));
+  const std::string wanted = FoldCase(letter);
+  std::vector<std::shared_ptr<MenuItemListing>> rows;
+  int32_t after = -1;
+  for (const std::shared_ptr<MenuItemListing>& row : *listings_) {
+    if (!MenuRowChoosable(*row, shownItems_.get())) continue;
+    if (row->Index() == selectedIndex_) after = static_cast<int32_t>(rows.size());
+    rows.push_back(row);
+  }
+  const auto count = static_cast<int32_t>(rows.size());
+  for (int32_t step = 1; step <= count; ++step) {
+    const MenuItemListing& row = *rows[(after + step) % count];
+    const std::string& caption = shownItems_->Item(row.Index())->Caption();
+    if (caption.empty()) continue;
+    const Utf8::Decoded first = Utf8::DecodeAt(caption, 0);
+    if (FoldCase(caption.substr(0, first.length)) == wanted) {
+      highlight(row);
+      return;
+    }
   }
 }
 

@@ -17,6 +17,7 @@ namespace velt {
 class ControlHost;
 class Font;
 class ImageList;
+class MenuItemListing;
 class PopupWindow;
 class Timer;
 
@@ -25,10 +26,18 @@ class Timer;
 // translucent tool window with a drop shadow, owned by the form's window.
 // The host fills MenuItem and calls CreateMenu, which lays out the rows of one
 // group, places the window at a screen position (flipped at the screen's right
-// and bottom edges), shows it and waits until the mouse buttons are up before
-// its tmrFocus timer starts watching for presses outside. Moving over a row
-// highlights it; a click on a selectable row raises ItemClick, then hides the
-// menu; the next tmrFocus tick after the window went raises Closed.
+// and bottom edges, and kept on the screen), shows it and waits until the mouse
+// buttons are up before its tmrFocus timer starts watching for presses
+// outside. Moving over a row highlights it; a click on a selectable row raises
+// ItemClick, then hides the menu; the next tmrFocus tick after the window went
+// raises Closed.
+//
+// As desktop menus do, it is as wide as its widest caption but no wider than
+// the screen; a menu taller than the screen scrolls, with the wheel and with
+// arrow rows at its ends (resting on one scrolls every tmrScroll tick, a click
+// on one scrolls a row); and it has a keyboard: Up and Down move the highlight
+// over the selectable rows, Enter chooses as a click does, Escape closes, and
+// the first letter of a caption highlights the next row it begins.
 //
 // Of the control frame it keeps the type code, the colour and font
 // properties and their persistence: no hover timer, no caption, no Enabled.
@@ -49,6 +58,8 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   static constexpr const char* kWindowName = "PUMenu";
   static constexpr const char* kTimerName = "tmrFocus";
   static constexpr int32_t kTimerInterval = 1;  // milliseconds
+  static constexpr const char* kScrollTimerName = "tmrScroll";
+  static constexpr int32_t kScrollInterval = 60;  // milliseconds a row, resting on an arrow row
 
   veltPUMenu() = default;
   veltPUMenu(const veltPUMenu&) = delete;
@@ -70,9 +81,11 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   // buttons are up, letting pending events run meanwhile. X = Y = 0 opens at
   // the pointer. X and Y are written back as used: the pointer's position, or
   // flipped left by the menu's width and up by its height where the menu
-  // would pass the screen's right or bottom edge. Opened downward, the top
-  // border stays open over the first M_Width pixels. Steps the window system
-  // cannot do are skipped. Error 91 while the menu is not sited.
+  // would pass the screen's right or bottom edge, then moved onto the screen
+  // where that is not enough (a menu taller than the screen starts at its top
+  // and scrolls). Opened downward, the top border stays open over the first
+  // M_Width pixels. Steps the window system cannot do are skipped. Error 91
+  // while the menu is not sited.
   void CreateMenu(int32_t& X, int32_t& Y, std::string& sGroup, int16_t& M_Width);
   // The same with values: nothing is written back.
   void CreateMenu(const int32_t& X = 0, const int32_t& Y = 0, const std::string& sGroup = "",
@@ -109,6 +122,8 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   std::shared_ptr<const MenuItemListings> Listings() const { return listings_; }
   std::shared_ptr<PopupWindow> Window() const { return window_; }
   MenuState State() const;
+  // Pixels the rows are scrolled up by; 0 when the menu fits the screen.
+  int32_t ScrollTop() const { return scroll_; }
 
   // UserControl. The menu takes no input on its form.
   void Initialize(ControlHost& host) override;
@@ -141,7 +156,7 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   // Opening.
   void placeAtPointer(int32_t& X, int32_t& Y) const;
   int32_t layOut(const std::string& group);
-  int16_t menuWidth();
+  int32_t menuWidth(int32_t screenWidth);
   void waitForButtonsUp();
 
   // Painting.
@@ -151,10 +166,22 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   // The window and the timer.
   void onWindowMouseMove(float y);
   void onWindowClick();
+  void onWindowWheel(int16_t notches);
+  void onWindowKeyDown(int16_t keyCode);
+  void onWindowKeyPress(int16_t keyAscii);
+  void onScrollTick();
   void onWindowLostFocus();
   void onTimerTick();
   void checkOutsideClick();
   void hideWindow();
+
+  // Scrolling and the keyboard.
+  int32_t rowOffset() const;
+  int32_t arrowAt(float y) const;  // -1 the top arrow row, 1 the bottom one, 0 neither
+  void scrollBy(int32_t pixels);
+  void highlight(const MenuItemListing& row);
+  void moveHighlight(int32_t step);
+  void jumpToLetter(int16_t keyAscii);
 
   ControlHost* host_ = nullptr;
   FrameProperties frame_;  // BackColor and ForeColor; the menu has no caption
@@ -166,13 +193,28 @@ class veltPUMenu : public UserControl, public std::enable_shared_from_this<veltP
   Connection windowMouseMove_;
   Connection windowClick_;
   Connection windowLostFocus_;
+  Connection windowWheel_;
+  Connection windowMouseDown_;
+  Connection windowKeyDown_;
+  Connection windowKeyPress_;
   Connection timerTick_;
+  std::shared_ptr<Timer> tmrScroll_;
+  Connection scrollTick_;
   std::shared_ptr<MenuItemListings> listings_;
   // What the last CreateMenu laid out: the rows index into these items.
   std::shared_ptr<MenuItems> shownItems_;
   int16_t selectedIndex_ = 0;
   int16_t openWidth_ = 0;
   uint64_t openings_ = 0;  // CreateMenu calls so far
+  // Scrolling, when the rows do not fit the screen: the pixels scrolled, the
+  // most there are to scroll, a row's height as a step, the direction the
+  // arrow row under the pointer scrolls, and where the pointer was last.
+  bool scrolling_ = false;
+  int32_t scroll_ = 0;
+  int32_t maxScroll_ = 0;
+  int32_t scrollStep_ = 1;
+  int32_t scrollDirection_ = 0;
+  float pointerY_ = -1;
   bool resizing_ = false;
 };
 

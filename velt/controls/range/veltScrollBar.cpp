@@ -338,6 +338,8 @@ void veltScrollBar::hoverFinding(HoverTracker::Finding finding) {
     return;
   }
   const bool dragging = dragging_;
+  // Resting in the hover look again changes nothing on the face.
+  if (!dragging && state_ == sbHover) return;
   state_ = dragging ? sbDragging : sbHover;
   repaint();
   if (dragging) raiseClick();

@@ -435,6 +435,8 @@ void veltSlider::hoverFinding(HoverTracker::Finding finding) {
     return;
   }
   const bool pressed = mouseIsDown_;
+  // Resting in the hover look again changes nothing on the face.
+  if (!pressed && state_ == ssHover) return;
   state_ = pressed ? ssPressed : ssHover;
   selectScheme();
   repaint();

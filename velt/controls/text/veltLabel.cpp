@@ -13,6 +13,7 @@
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/ImageList.hpp"
+#include "velt/platform/MousePointer.hpp"
 #include "velt/platform/Picture.hpp"
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Rounding.hpp"
@@ -48,11 +49,6 @@ constexpr double kIconGap = 2;
 // twice this to the text and icon widths together).
 constexpr int32_t kAutoSizeMargin = 4;
 
-// The pointer shapes a control accepts: the standard ones 0..15 and 99 (custom,
-// the MouseIcon).
-constexpr int16_t kLastStandardPointer = 15;
-constexpr int16_t kCustomPointer = 99;
-
 const char* const kShellOperation = "Open";
 
 // The caption as one line: line breaks dropped, blanks trimmed.
@@ -78,13 +74,6 @@ std::shared_ptr<T> readObject(const PropertyBag& bag, const char* key, const cha
     throw Error(errTypeMismatch, std::string("PropertyBag key \"") + key +
                                      "\": the stored object is not a " + className);
   return object;
-}
-
-int16_t checkedPointer(int16_t pointer, const std::string& where) {
-  if ((pointer >= 0 && pointer <= kLastStandardPointer) || pointer == kCustomPointer)
-    return pointer;
-  throw Error(errInvalidPropertyValue,
-              where + ": mouse pointer " + std::to_string(pointer) + " is not 0..15 or 99");
 }
 
 // A size in pixels as the host's twips; error 6 when it does not fit.
@@ -144,6 +133,7 @@ void veltLabel::Caption(const std::string& caption) {
 
 void veltLabel::Hyperlink(const std::string& hyperlink) {
   hyperlink_ = hyperlink;
+  showPointer();
   propertyChanged(kHyperlinkKey);
 }
 
@@ -182,13 +172,21 @@ void veltLabel::Font(std::shared_ptr<velt::Font> font) {
   repaint();
 }
 
+int16_t veltLabel::MousePointer() const {
+  return host().MousePointer();
+}
+
 void veltLabel::MousePointer(int16_t pointer) {
-  mousePointer_ = checkedPointer(pointer, "veltLabel.MousePointer");
+  host().MousePointer(CheckedMousePointer(pointer, "veltLabel.MousePointer"));
   markChanged(kMousePointerKey);
 }
 
+std::shared_ptr<Picture> veltLabel::MouseIcon() const {
+  return host().MouseIcon();
+}
+
 void veltLabel::MouseIcon(std::shared_ptr<Picture> icon) {
-  mouseIcon_ = std::move(icon);
+  host().MouseIcon(std::move(icon));
   markChanged(kMouseIconKey);
 }
 
@@ -225,8 +223,6 @@ void veltLabel::InitProperties() {
   selectionColor_ = kDefaultSelectionColor;
   textWrap_ = false;
   autoSize_ = false;
-  mousePointer_ = 0;
-  mouseIcon_.reset();
   paletteChanged();
 }
 
@@ -248,10 +244,10 @@ void veltLabel::ReadProperties(PropertyBag& bag) {
   autoSize_ = bag.ReadProperty(kAutoSizeKey, Variant(false)).ToBoolean();
   if (autoSize_) textWrap_ = false;
   properties_.Read(FrameProperty::Font, bag, site);
-  mousePointer_ =
-      checkedPointer(bag.ReadProperty(kMousePointerKey, Variant(int16_t{0})).ToInteger(),
-                     std::string("PropertyBag key \"") + kMousePointerKey + "\"");
-  mouseIcon_ = readObject<Picture>(bag, kMouseIconKey, "Picture");
+  site.MousePointer(
+      CheckedMousePointer(bag.ReadProperty(kMousePointerKey, Variant(int16_t{0})).ToInteger(),
+                          std::string("PropertyBag key \"") + kMousePointerKey + "\""));
+  site.MouseIcon(readObject<Picture>(bag, kMouseIconKey, "Picture"));
   paletteChanged();
 }
 
@@ -270,8 +266,8 @@ void veltLabel::WriteProperties(PropertyBag& bag) {
   bag.WriteProperty(kTextWrapKey, Variant(textWrap_), Variant(false));
   bag.WriteProperty(kAutoSizeKey, Variant(autoSize_), Variant(false));
   properties_.Write(FrameProperty::Font, bag, site);
-  bag.WriteProperty(kMousePointerKey, Variant(mousePointer_), Variant(int16_t{0}));
-  bag.WriteProperty(kMouseIconKey, Variant(std::static_pointer_cast<Object>(mouseIcon_)),
+  bag.WriteProperty(kMousePointerKey, Variant(site.MousePointer()), Variant(int16_t{0}));
+  bag.WriteProperty(kMouseIconKey, Variant(std::static_pointer_cast<Object>(site.MouseIcon())),
                     Variant(nullptr));
   repaint();
 }
@@ -283,6 +279,7 @@ void veltLabel::Resize() {
 
 void veltLabel::Terminate() {
   hover_.Detach();
+  if (host_) host_->PointerShape(mpDefault);
   host_ = nullptr;
 }
 
@@ -391,12 +388,23 @@ void veltLabel::drawIcon(Canvas& canvas, bool enabled) const {
   }
 }
 
+// A tick that finds the state as it was changes nothing on the face.
 void veltLabel::hoverFinding(HoverTracker::Finding finding) {
-  if (finding == HoverTracker::Finding::Left)
-    state_ = lsLeft;
-  else
-    state_ = mouseIsDown_ ? lsPressed : lsHover;
+  const LabelState found = finding == HoverTracker::Finding::Left ? lsLeft
+                           : mouseIsDown_                         ? lsPressed
+                                                                  : lsHover;
+  if (found == state_) return;
+  state_ = found;
+  showPointer();
   repaint();
+}
+
+// A hyperlink shows the hand while the pointer is on the label (hovering or
+// pressed); the host shows it unless MousePointer asks for another.
+void veltLabel::showPointer() {
+  if (!host_) return;
+  const bool onLink = !hyperlink_.empty() && (state_ == lsHover || state_ == lsPressed);
+  host_->PointerShape(onLink ? mpHand : mpDefault);
 }
 
 // ---- Input ------------------------------------------------------------------
@@ -434,11 +442,12 @@ void veltLabel::OnMouseUp(int16_t button, int16_t shift, float x, float y) {
 // The handler gets the stored hyperlink itself, so a change it makes stays in
 // the property and is what the shell opens. The shell's answer is not used: a
 // link that cannot be opened is ignored.
+// A handler that removed the label ends the sequence: nothing is opened.
 void veltLabel::followHyperlink() {
   bool Cancel = false;
   RaiseEvent(*host_, "HyperlinkClick", HyperlinkClick, hyperlink_, Cancel);
-  if (Cancel) return;
-  ShellOpen(hyperlink_, kShellOperation, "", "", 0);
+  if (Cancel || !sited()) return;
+  ShellOpen(*host_, hyperlink_, kShellOperation, "", "", 0);
 }
 
 void veltLabel::raiseMouse(const char* name, const Event<int16_t, int16_t, float, float>& event,

@@ -50,9 +50,9 @@ class veltLabel : public UserControl, public std::enable_shared_from_this<veltLa
   std::string ClassName() const override { return "veltLabel"; }
   int16_t ID() const override { return kID; }
 
-  // Properties, in the order they are stored. Enabled and Font are the host's
-  // and raise error 91 while the label is not sited; the others may be set
-  // before. Setting TextWrap or AutoSize, to any value, clears the other.
+  // Properties, in the order they are stored. Enabled, Font, MousePointer and
+  // MouseIcon are the host's and raise error 91 while the label is not sited;
+  // the others may be set before. Setting TextWrap or AutoSize, to any value, clears the other.
   OLE_COLOR BackColor() const { return properties_.BackColor; }
   void BackColor(OLE_COLOR color);
   OLE_COLOR ForeColor() const { return properties_.ForeColor; }
@@ -75,9 +75,11 @@ class veltLabel : public UserControl, public std::enable_shared_from_this<veltLa
   void AutoSize(bool autoSize);
   std::shared_ptr<velt::Font> Font() const;
   void Font(std::shared_ptr<velt::Font> font);  // by reference; nullptr is error 91
-  int16_t MousePointer() const { return mousePointer_; }
+  // 0..15 or 99 (error 380 otherwise); 0 lets the label show its own pointer,
+  // the hand while a hyperlink is hovered.
+  int16_t MousePointer() const;
   void MousePointer(int16_t pointer);
-  std::shared_ptr<Picture> MouseIcon() const { return mouseIcon_; }
+  std::shared_ptr<Picture> MouseIcon() const;
   void MouseIcon(std::shared_ptr<Picture> icon);  // nullptr = none
 
   // Events, in the order of the event interface.
@@ -131,6 +133,7 @@ class veltLabel : public UserControl, public std::enable_shared_from_this<veltLa
   void paintTextBesideIcon(Canvas& surface);
   void drawIcon(Canvas& surface, bool enabled) const;
   void hoverFinding(HoverTracker::Finding finding);
+  void showPointer();
 
   // Input.
   void followHyperlink();
@@ -145,11 +148,6 @@ class veltLabel : public UserControl, public std::enable_shared_from_this<veltLa
   OLE_COLOR selectionColor_ = kDefaultSelectionColor;
   bool textWrap_ = false;
   bool autoSize_ = false;
-  // FIXME: ControlHost has no pointer shapes yet; the label keeps MousePointer
-  // and MouseIcon itself so they are stored and read back, but they change
-  // nothing on screen.
-  int16_t mousePointer_ = 0;
-  std::shared_ptr<Picture> mouseIcon_;
 
   ColorScheme palette_ = SchemeNormal(FrameProperties::kDefaultBackColor,
                                       FrameProperties::kDefaultForeColor, kDefaultSelectionColor);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/Picture.hpp"
 #include "velt/platform/SteadyClock.hpp"
 #include "velt/platform/sdl/SdlClipboard.hpp"
 #include "velt/platform/sdl/SdlFrame.hpp"
@@ -20,6 +21,10 @@ namespace velt {
 namespace {
 
 constexpr int16_t kVkTab = 9;
+// As on the desktops the controls come from, a window timer fires at most
+// this often: a 1 ms hover timer would otherwise wake the loop a thousand
+// times a second.
+constexpr int32_t kTimerFloorMs = 10;
 // Bounds one DoEvents when input floods in faster than it is handled.
 constexpr int kMaxEventsPerPump = 256;
 
@@ -48,6 +53,11 @@ int16_t currentShift() {
   return SdlKeyMap::ShiftState(static_cast<uint16_t>(SDL_GetModState()));
 }
 
+bool inside(const RectL& rect, PointL point) {
+  return point.x >= rect.Left && point.x < rect.Right && point.y >= rect.Top &&
+         point.y < rect.Bottom;
+}
+
 bool onEdge(const RectL& rect, int32_t x, int32_t y) {
   return x <= 0 || y <= 0 || x >= rect.Width() - 1 || y >= rect.Height() - 1;
 }
@@ -60,9 +70,11 @@ SdlWindowSystem::SdlWindowSystem(const std::string& driver)
       clipboard_(std::make_unique<SdlClipboard>()) {
   SDL_Rect bounds;
   if (SDL_GetDisplayBounds(0, &bounds) == 0) screen_ = SizeL{bounds.w, bounds.h};
+  TimerFloorMs(kTimerFloorMs);
 }
 
 SdlWindowSystem::~SdlWindowSystem() {
+  freeCursors();
   // Pop-ups still held elsewhere lose their SDL windows now, while SDL is open.
   for (SdlPopupWindow* popup : popups_)
     popup->Orphan();
@@ -160,8 +172,10 @@ void SdlWindowSystem::DoEvents() {
   pumpEvents();
   runPostedWork();
   runDueTimers();
-  // Whatever ran may have painted; the present compares before it draws.
-  pacer_.Invalidate();
+  // Only what may have painted goes to the screen (and the present compares
+  // before it draws): a hover tick that changed nothing costs no present and
+  // no wake-up for one.
+  if (imagesMayHaveChanged()) pacer_.Invalidate();
   if (pacer_.Due(NowMs())) present(false);
 }
 
@@ -181,9 +195,19 @@ void SdlWindowSystem::Present() {
   present(true);
 }
 
+// Reading the display is a round of system calls. A DoEvents run from inside
+// a timer tick comes in the same millisecond as the loop's own, when SDL's
+// queue is as fresh as it gets, so the display is read at most once a
+// millisecond; the queue itself is always emptied.
 void SdlWindowSystem::pumpEvents() {
+  if (const int64_t now = NowMs(); now != lastPumpMs_) {
+    SDL_PumpEvents();
+    lastPumpMs_ = now;
+  }
   SDL_Event event;
-  for (int i = 0; i < kMaxEventsPerPump && SDL_PollEvent(&event); ++i)
+  for (int i = 0; i < kMaxEventsPerPump &&
+                  SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1;
+       ++i)
     handle(event);
   if (focusChanged_) checkFocusLeftApplication();
   if (buttons_ != 0 && pointerWindow_ == 0) releaseLostButtons();
@@ -217,10 +241,26 @@ void SdlWindowSystem::waitForWork() {
   if (std::optional<int64_t> due = Timers().NextDue()) within(*due - now);
   if (std::optional<int64_t> frame = pacer_.WaitMs(now)) within(*frame);
   if (wait && *wait == 0) return;
-  if (wait)
+  // SDL reads the display before and after a wait, a round of system calls
+  // that costs more than a wait of a timer period saves; such a wait sleeps,
+  // and input waits for it at most that long.
+  if (wait && *wait <= kTimerFloorMs)
+    SDL_Delay(static_cast<uint32_t>(*wait));
+  else if (wait)
     SDL_WaitEventTimeout(nullptr, static_cast<int>(std::min<int64_t>(*wait, INT_MAX)));
   else
     SDL_WaitEvent(nullptr);
+}
+
+bool SdlWindowSystem::imagesMayHaveChanged() const {
+  for (const FormFrame& entry : forms_) {
+    if (entry.closed) continue;
+    if (entry.exposed || !entry.frame->Shown()) return true;
+    const std::optional<uint64_t> stamp = entry.form->ImageStamp();
+    if (!stamp || stamp != entry.presented) return true;
+  }
+  return std::any_of(popups_.begin(), popups_.end(),
+                     [](const SdlPopupWindow* popup) { return popup->Visible(); });
 }
 
 bool SdlWindowSystem::anyFormOpen() const {
@@ -229,18 +269,26 @@ bool SdlWindowSystem::anyFormOpen() const {
 }
 
 void SdlWindowSystem::present(bool force) {
+  std::vector<FormClient*> shown;
   for (FormFrame& entry : forms_) {
     if (entry.closed) continue;
     if (!entry.frame->Shown()) {
       entry.frame->Show(true);
       entry.exposed = true;
+      shown.push_back(entry.form);
     }
-    if (entry.frame->Draw(entry.form->Image(), force || entry.exposed)) ++drawCount_;
+    const std::optional<uint64_t> stamp = entry.form->ImageStamp();
+    const bool unchanged = stamp && stamp == entry.presented && !entry.exposed && !force;
+    if (!unchanged && entry.frame->Draw(entry.form->Image(), force || entry.exposed)) ++drawCount_;
+    entry.presented = stamp;
     entry.exposed = false;
   }
   for (SdlPopupWindow* popup : popups_)
     if (popup->Present(force)) ++drawCount_;
   pacer_.Presented(NowMs());
+  // Told after the loop: the focus handlers run here may change the windows.
+  for (FormClient* form : shown)
+    if (formFrame(*form)) form->WindowShown();
 }
 
 // ---- Events -------------------------------------------------------------------
@@ -356,8 +404,15 @@ void SdlWindowSystem::onMotion(const SDL_MouseMotionEvent& event) {
   PointL screen{rect.Left + event.x, rect.Top + event.y};
   // SDL reports a crossing as a motion and pins positions outside an
   // uncaptured window to its edge; the desktop knows where the pointer is.
-  const bool doubtful = enteredWindow_ == event.windowID || onEdge(rect, event.x, event.y);
-  if (buttons_ == 0 && doubtful) screen = desktopPointer(nullptr);
+  // It also reports a motion to a window that appears, at its centre, with
+  // the pointer elsewhere: a hover timer started by that would never stop.
+  const bool unannounced = pointerWindow_ != event.windowID && enteredWindow_ != event.windowID;
+  const bool doubtful =
+      unannounced || enteredWindow_ == event.windowID || onEdge(rect, event.x, event.y);
+  if (buttons_ == 0 && doubtful) {
+    screen = desktopPointer(nullptr);
+    if (unannounced && !inside(rect, screen)) return;
+  }
   enteredWindow_ = 0;
   pointerWindow_ = event.windowID;
   cursor_ = screen;
@@ -427,6 +482,103 @@ void SdlWindowSystem::onText(const SDL_TextInputEvent& event) {
   if ((mods & KMOD_CTRL) && !(mods & (KMOD_ALT | KMOD_MODE))) return;
   for (const int16_t code : SdlKeyMap::TextCharacters(event.text))
     deliverKeyPress(code);
+}
+
+// ---- The pointer -----------------------------------------------------------
+
+namespace {
+
+// SDL has no up arrow, question arrow or icon square: those show the arrow.
+SDL_SystemCursor systemCursorOf(int16_t shape) {
+  switch (shape) {
+    case mpCross:
+      return SDL_SYSTEM_CURSOR_CROSSHAIR;
+    case mpIBeam:
+      return SDL_SYSTEM_CURSOR_IBEAM;
+    case mpSize:
+    case mpSizeAll:
+      return SDL_SYSTEM_CURSOR_SIZEALL;
+    case mpSizeNESW:
+      return SDL_SYSTEM_CURSOR_SIZENESW;
+    case mpSizeNS:
+      return SDL_SYSTEM_CURSOR_SIZENS;
+    case mpSizeNWSE:
+      return SDL_SYSTEM_CURSOR_SIZENWSE;
+    case mpSizeWE:
+      return SDL_SYSTEM_CURSOR_SIZEWE;
+    case mpHourglass:
+      return SDL_SYSTEM_CURSOR_WAIT;
+    case mpNoDrop:
+      return SDL_SYSTEM_CURSOR_NO;
+    case mpArrowHourglass:
+      return SDL_SYSTEM_CURSOR_WAITARROW;
+    case mpHand:
+      return SDL_SYSTEM_CURSOR_HAND;
+    default:
+      return SDL_SYSTEM_CURSOR_ARROW;
+  }
+}
+
+}  // namespace
+
+// A cursor SDL cannot make (a driver without cursors) leaves the one shown.
+void SdlWindowSystem::showPointer(const PointerLook& look) {
+  SDL_Cursor* cursor = nullptr;
+  if (look.Shape != mpCustom)
+    cursor = systemCursor(look.Shape);
+  else if (look.Icon)
+    cursor = customCursor(look.Icon);
+  else
+    cursor = systemCursor(mpDefault);
+  if (cursor) SDL_SetCursor(cursor);
+}
+
+SDL_Cursor* SdlWindowSystem::systemCursor(int16_t shape) {
+  for (const auto& [made, cursor] : cursors_)
+    if (made == shape) return cursor;
+  SDL_Cursor* cursor = SDL_CreateSystemCursor(systemCursorOf(shape));
+  if (cursor) cursors_.emplace_back(shape, cursor);
+  return cursor;
+}
+
+// The picture's straight-alpha pixels as they are, the hot spot at its centre.
+SDL_Cursor* SdlWindowSystem::customCursor(const std::shared_ptr<const Picture>& icon) {
+  if (custom_ && customPicture_ == icon) return custom_;
+  const Picture& picture = *icon;
+  if (picture.Width() <= 0 || picture.Height() <= 0) return nullptr;
+  SDL_Surface* surface = SDL_CreateRGBSurfaceWithFormatFrom(
+      const_cast<uint32_t*>(picture.Pixels()), picture.Width(), picture.Height(), 32,
+      picture.Width() * 4, SDL_PIXELFORMAT_ARGB8888);
+  if (!surface) return nullptr;
+  SDL_Cursor* cursor = SDL_CreateColorCursor(surface, picture.Width() / 2, picture.Height() / 2);
+  SDL_FreeSurface(surface);
+  if (!cursor) return nullptr;
+  // The old one may be shown until the new one is set, so it goes after.
+  SDL_Cursor* old = custom_;
+  custom_ = cursor;
+  customPicture_ = icon;
+  SDL_SetCursor(cursor);
+  if (old) SDL_FreeCursor(old);
+  return cursor;
+}
+
+void SdlWindowSystem::freeCursors() {
+  SDL_SetCursor(SDL_GetDefaultCursor());
+  for (const auto& [shape, cursor] : cursors_)
+    SDL_FreeCursor(cursor);
+  cursors_.clear();
+  if (custom_) SDL_FreeCursor(custom_);
+  custom_ = nullptr;
+  customPicture_.reset();
+}
+
+std::optional<int16_t> SdlWindowSystem::ShownShape() const {
+  SDL_Cursor* shown = SDL_GetCursor();
+  if (!shown) return std::nullopt;
+  if (shown == custom_) return mpCustom;
+  for (const auto& [shape, cursor] : cursors_)
+    if (cursor == shown) return shape;
+  return std::nullopt;
 }
 
 // ---- Lookups ------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "velt/platform/sdl/PresentPacer.hpp"
 
 union SDL_Event;
+struct SDL_Cursor;
 struct SDL_MouseMotionEvent;
 struct SDL_MouseButtonEvent;
 struct SDL_MouseWheelEvent;
@@ -76,6 +78,10 @@ class SdlWindowSystem final : public WindowSystem {
   // is none here.
   uint32_t WindowId(const FormClient& form) const;
   uint32_t WindowId(const PopupWindow& popup) const;
+  // The pointer shape SDL shows now, as the look it was made for (mpCustom
+  // for a picture); none when SDL shows a cursor this system did not set (its
+  // own default, or none on a driver without cursors).
+  std::optional<int16_t> ShownShape() const;
   // How many times a window's pixels went to the screen so far.
   uint64_t DrawCount() const { return drawCount_; }
 
@@ -83,6 +89,7 @@ class SdlWindowSystem final : public WindowSystem {
   void formAttached(FormClient& form) override;
   void formDetached(FormClient& form) override;
   std::shared_ptr<PopupWindow> makePopup(const std::string& name) override;
+  void showPointer(const PointerLook& look) override;
 
  private:
   friend class SdlPopupWindow;
@@ -90,8 +97,9 @@ class SdlWindowSystem final : public WindowSystem {
   struct FormFrame {
     FormClient* form = nullptr;
     std::unique_ptr<SdlFrame> frame;
-    bool closed = false;   // by the user
-    bool exposed = false;  // must be drawn whether changed or not
+    bool closed = false;                // by the user
+    bool exposed = false;               // must be drawn whether changed or not
+    std::optional<uint64_t> presented;  // the form's image stamp when last presented
   };
 
   // Pop-ups report in and out.
@@ -115,6 +123,7 @@ class SdlWindowSystem final : public WindowSystem {
   void present(bool force);
   void waitForWork();
   bool anyFormOpen() const;
+  bool imagesMayHaveChanged() const;
 
   FormFrame* formFrame(uint32_t windowId);
   const FormFrame* formFrame(const FormClient& form) const;
@@ -123,6 +132,9 @@ class SdlWindowSystem final : public WindowSystem {
   bool windowRect(uint32_t windowId, RectL& rect);
   PointL desktopPointer(int32_t* buttons) const;
   bool pointerTracked() const { return pointerWindow_ != 0 || buttons_ != 0; }
+  SDL_Cursor* systemCursor(int16_t shape);
+  SDL_Cursor* customCursor(const std::shared_ptr<const Picture>& icon);
+  void freeCursors();
 
   std::unique_ptr<SdlVideo> video_;  // first in, last out: everything below needs it
   std::unique_ptr<SdlClipboard> clipboard_;
@@ -137,6 +149,12 @@ class SdlWindowSystem final : public WindowSystem {
   bool focusChanged_ = false;   // a window lost the keyboard focus during the pump
   bool quit_ = false;
   uint64_t drawCount_ = 0;
+  int64_t lastPumpMs_ = -1;
+  // SDL cursors by shape, made when first shown; the custom one is remade for
+  // each new picture.
+  std::vector<std::pair<int16_t, SDL_Cursor*>> cursors_;
+  SDL_Cursor* custom_ = nullptr;
+  std::shared_ptr<const Picture> customPicture_;
 };
 
 }  // namespace velt
