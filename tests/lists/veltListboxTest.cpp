@@ -135,6 +135,12 @@ TEST(ListboxLayoutTest, ShortensOneCharacterAPassUntilStrictlyNarrower) {
       EXPECT_GE(canvas.TextWidth(Left(caption, kept + 1) + "..."), width) << width;
     }
   }
+  // Letters with a combining accent lose the accent together with its letter.
+  std::string accents;
+  for (int i = 0; i < 20; ++i) accents += "e\xCC\x81";
+  const std::string cut = ListboxShortened(canvas, accents, canvas.TextWidth(accents) / 2);
+  EXPECT_EQ(Right(cut, 3), "...");
+  EXPECT_EQ((Len(cut) - 3) % 2, 0) << cut;
   EXPECT_EQ(ListboxWithoutTabs("\ta\tb"), "ab");
   EXPECT_EQ(ListboxTabCount("\ta\tb\t"), 3);
 }

@@ -61,7 +61,7 @@ std::string ListboxShortened(const Canvas& surface, std::string text, int32_t wi
   if (surface.TextWidth(text) <= width) return text;
   for (int32_t n = Len(text); surface.TextWidth(text) >= width && n >= kShortestShortened;
        n = Len(text))
-    text = Left(text, n - kCharactersCut) + kEllipsis;
+    text = Left(text, surface.ClusterCut(text, n - kCharactersCut)) + kEllipsis;
   return text;
 }
 

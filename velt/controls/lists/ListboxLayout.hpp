@@ -43,8 +43,9 @@ int32_t ListboxTabCount(std::string_view caption);
 std::string ListboxWithoutTabs(std::string_view caption);
 
 // The caption as the row prints it in `width` pixels: unchanged when it is
-// not wider than that; otherwise shortened one character a pass, ending in
-// "...", until it is strictly narrower or shorter than four characters.
+// not wider than that; otherwise shortened one character a pass (a whole
+// cluster where the character has marks or joins an emoji), ending in "...",
+// until it is strictly narrower or shorter than four characters.
 std::string ListboxShortened(const Canvas& surface, std::string text, int32_t width);
 
 }  // namespace velt
