@@ -141,6 +141,20 @@ TEST_F(veltButtonTest, EachStateHasItsShadingAndTheCaptionCentredInItsColour) {
 
 // A focused button at rest takes the TabSelectColor; pressed by Enter or
 // hovered, it looks like any other.
+// A hover tick that finds the state as it was paints nothing: a pixel set on
+// the surface meanwhile stays until the state changes.
+TEST_F(veltButtonTest, AHoverTickThatChangesNothingPaintsNothing) {
+  add(100, 30);
+  hf.system->PostMouseMove(50, 20);
+  runAndTick();
+  site->Surface().FillRect(0, 0, 1, 1, 0x123456);
+  hf.Tick(5);
+  EXPECT_EQ(test::PixelAt(surface(), 0, 0), OLE_COLOR{0x123456});
+  hf.system->PostMouseDown(1, 50, 20);
+  runAndTick();
+  EXPECT_NE(test::PixelAt(surface(), 0, 0), OLE_COLOR{0x123456});
+}
+
 TEST_F(veltButtonTest, FocusTintsOnlyTheRestingLook) {
   add(100, 30);
   button->Caption("Go");

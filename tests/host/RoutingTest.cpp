@@ -13,6 +13,7 @@
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
+#include "velt/platform/MousePointer.hpp"
 #include "velt/platform/PopupWindow.hpp"
 
 namespace velt {
@@ -172,10 +173,12 @@ TEST_F(RoutingTest, TabWalksTheOrderAddedSkippingWhatCannotTakeTheFocus) {
   EXPECT_EQ(tabs(1), Calls{"B"});
 }
 
-TEST_F(RoutingTest, KeysAreDroppedWhileAPopupHasTheFocusAndHeldKeysAreKnown) {
+TEST_F(RoutingTest, KeysGoToAPopupWithTheFocusAndHeldKeysAreKnown) {
   Site& a = add("A", 0, 0, 20, 20);
   a.SetFocus();
   std::shared_ptr<PopupWindow> popup = a.CreatePopup("Menu");
+  Connection keys = popup->KeyDown.connect(
+      [&](int16_t code, int16_t) { journal.push_back("Menu:KeyDown " + std::to_string(code)); });
   popup->Show(true);
   system->PostKeyDown(16);
   system->RunUntilIdle();
@@ -189,8 +192,40 @@ TEST_F(RoutingTest, KeysAreDroppedWhileAPopupHasTheFocusAndHeldKeysAreKnown) {
   a.SetFocus();  // the form takes the focus back from the pop-up
   system->PostKeyPress(32);
   system->RunUntilIdle();
-  EXPECT_EQ(journal, (Calls{"A:EnterFocus", "A:KeyUp 16 0", "Menu:LostFocus", "A:KeyPress 32"}));
+  EXPECT_EQ(journal, (Calls{"A:EnterFocus", "Menu:KeyDown 16", "A:KeyUp 16 0", "Menu:LostFocus",
+                            "A:KeyPress 32"}));
   test::errorOf(errInvalidProcedureCall, [&] { system->SetButtons(8); });
+}
+
+// The pointer shows MousePointer of the control under it, else the control's
+// own shape, else its parent's; the capture holder's while it holds the
+// capture; the default on the bare form and once the control is gone.
+TEST_F(RoutingTest, ThePointerShowsTheShapeOfTheControlUnderIt) {
+  Site& parent = add("Parent", 0, 0, 100, 100);
+  ControlHost& part = addPart(parent, "Part", 10, 20);
+  Site& other = add("Other", 200, 0, 50, 50);
+  const auto at = [&](int32_t x, int32_t y) {
+    system->PostMouseMove(x, y);
+    system->RunUntilIdle();
+    return system->Pointer().Shape;
+  };
+  parent.PointerShape(mpHand);
+  EXPECT_EQ(at(15, 15), mpHand) << "a part shows its parent's";
+  part.PointerShape(mpIBeam);
+  EXPECT_EQ(system->Pointer().Shape, mpIBeam) << "changed under the resting pointer";
+  part.MousePointer(mpCross);
+  EXPECT_EQ(system->Pointer().Shape, mpCross);
+  EXPECT_EQ(at(50, 50), mpHand);
+  EXPECT_EQ(at(150, 50), mpDefault);
+  other.MousePointer(mpSizeAll);
+  system->PostMouseDown(1, 210, 10);
+  EXPECT_EQ(at(50, 50), mpSizeAll) << "the capture holder's";
+  system->PostMouseUp(1, 50, 50);
+  system->RunUntilIdle();
+  EXPECT_EQ(system->Pointer().Shape, mpHand);
+  form->RemoveControl("Parent");
+  EXPECT_EQ(system->Pointer().Shape, mpDefault);
+  test::errorOf(errInvalidPropertyValue, [&] { other.MousePointer(42); });
 }
 
 }  // namespace

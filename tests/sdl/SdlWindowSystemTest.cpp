@@ -27,6 +27,7 @@
 #include "velt/platform/Clipboard.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/PopupWindow.hpp"
+#include "velt/platform/Timer.hpp"
 #include "velt/platform/sdl/PresentPacer.hpp"
 #include "velt/platform/sdl/SdlKeyMap.hpp"
 
@@ -211,6 +212,24 @@ TEST_F(SdlWindowSystemTest, RunWaitsForTimersInRealTimeAndEndsWhenTheLastWindowC
   EXPECT_FALSE(system->WindowOpen(*client));
   EXPECT_FALSE(sdlShown(windowId));
   EXPECT_FALSE(system->QuitRequested()) << "closed by the window, not by the safety net";
+}
+
+// A sited timer of 1 ms fires every 10 ms at most, as desktop timers do; the
+// interval reads as set.
+TEST_F(SdlWindowSystemTest, SitedTimersFireAtMostEveryTenMilliseconds) {
+  addProbe("A", 10);
+  std::shared_ptr<Timer> timer = form->FindSite("A")->CreateTimer("MousePos");
+  int ticks = 0;
+  Connection counting = timer->Tick.connect([&] { ++ticks; });
+  system->DoEvents();  // the window's first present, which may take a while
+  timer->Interval(1);
+  timer->Enabled(true);
+  const auto start = Clock::now();
+  while (Clock::now() - start < 100ms)
+    system->DoEvents();
+  EXPECT_GE(ticks, 1);
+  EXPECT_LE(ticks, 10);
+  EXPECT_EQ(timer->Interval(), 1);
 }
 
 TEST_F(SdlWindowSystemTest, TheControlUnderThePointerGetsTheMouseAndKeepsItUntilRelease) {

@@ -53,11 +53,6 @@ int16_t currentShift() {
   return SdlKeyMap::ShiftState(static_cast<uint16_t>(SDL_GetModState()));
 }
 
-bool inside(const RectL& rect, PointL point) {
-  return point.x >= rect.Left && point.x < rect.Right && point.y >= rect.Top &&
-         point.y < rect.Bottom;
-}
-
 bool onEdge(const RectL& rect, int32_t x, int32_t y) {
   return x <= 0 || y <= 0 || x >= rect.Width() - 1 || y >= rect.Height() - 1;
 }
@@ -404,15 +399,8 @@ void SdlWindowSystem::onMotion(const SDL_MouseMotionEvent& event) {
   PointL screen{rect.Left + event.x, rect.Top + event.y};
   // SDL reports a crossing as a motion and pins positions outside an
   // uncaptured window to its edge; the desktop knows where the pointer is.
-  // It also reports a motion to a window that appears, at its centre, with
-  // the pointer elsewhere: a hover timer started by that would never stop.
-  const bool unannounced = pointerWindow_ != event.windowID && enteredWindow_ != event.windowID;
-  const bool doubtful =
-      unannounced || enteredWindow_ == event.windowID || onEdge(rect, event.x, event.y);
-  if (buttons_ == 0 && doubtful) {
-    screen = desktopPointer(nullptr);
-    if (unannounced && !inside(rect, screen)) return;
-  }
+  const bool doubtful = enteredWindow_ == event.windowID || onEdge(rect, event.x, event.y);
+  if (buttons_ == 0 && doubtful) screen = desktopPointer(nullptr);
   enteredWindow_ = 0;
   pointerWindow_ = event.windowID;
   cursor_ = screen;
