@@ -8,6 +8,7 @@
 #include "velt/controls/ControlClass.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/Font.hpp"
+#include "velt/platform/JsonText.hpp"
 
 namespace velt::tool {
 
@@ -71,7 +72,7 @@ std::vector<std::string_view> splitAtCommas(std::string_view text) {
 }
 
 [[noreturn]] void badFont(std::string_view text, const std::string& problem) {
-  throw Error(errInvalidPropertyValue, "font \"" + std::string(text) + "\": " + problem +
+  throw Error(errInvalidPropertyValue, "font " + QuotedPrefix(text) + ": " + problem +
                                            " (expected Name,Size[,bold][,italic]" +
                                            "[,underline][,strikethrough])");
 }
@@ -80,7 +81,7 @@ float fontSize(std::string_view text, std::string_view sizeText) {
   try {
     return Variant(std::string(sizeText)).ToSingle();
   } catch (const Error&) {
-    badFont(text, "size \"" + std::string(sizeText) + "\" is not a number");
+    badFont(text, "size " + QuotedPrefix(sizeText) + " is not a number");
   }
 }
 
@@ -94,7 +95,7 @@ void applyFontStyle(Font& font, std::string_view text, std::string_view style) {
   else if (equalsIgnoringCase(style, "strikethrough"))
     font.Strikethrough(true);
   else
-    badFont(text, "unknown style \"" + std::string(style) + "\"");
+    badFont(text, "unknown style " + QuotedPrefix(style));
 }
 
 [[noreturn]] void rethrowNaming(const ControlClass& controlClass, const std::string& property) {
@@ -144,12 +145,12 @@ Variant PropertyArgument::ParseValue(std::string_view text) {
   if (!integer) return Variant(std::string(text));
   if (hasHexPrefix(text)) {
     if (*integer > std::numeric_limits<uint32_t>::max())
-      throw Error(errOverflow, "\"" + std::string(text) + "\" has more than eight hex digits");
+      throw Error(errOverflow, QuotedPrefix(text) + " has more than eight hex digits");
     return Variant(static_cast<int32_t>(static_cast<uint32_t>(*integer)));
   }
   if (*integer < std::numeric_limits<int32_t>::min() ||
       *integer > std::numeric_limits<int32_t>::max())
-    throw Error(errOverflow, "\"" + std::string(text) + "\" does not fit in a Long");
+    throw Error(errOverflow, QuotedPrefix(text) + " does not fit in a Long");
   return Variant(static_cast<int32_t>(*integer));
 }
 

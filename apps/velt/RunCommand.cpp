@@ -39,7 +39,8 @@ runs it in a window until the window is closed.
                     controls store now; the pictures of its image lists are
                     written beside OUT.json
   --headless        run without a window on a headless screen
-  --input FILE|-    play the script in FILE (- reads standard input); the
+  --input FILE|-    play the script in FILE, a regular file of 16 MB at most
+                    (- reads standard input); the
                     script language is velt snap's (velt snap --help), with
                     X and Y in pixels of the form, and focus, blur, prop and
                     get acting on the control that has the focus (else the

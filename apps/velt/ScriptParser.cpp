@@ -7,6 +7,7 @@
 #include "apps/velt/PropertyArgument.hpp"
 #include "apps/velt/ScriptError.hpp"
 #include "velt/platform/Error.hpp"
+#include "velt/platform/JsonText.hpp"
 
 namespace velt::tool {
 
@@ -182,7 +183,7 @@ class CommandReader {
 
   void End() {
     if (!reader_.AtEnd())
-      problem("unexpected \"" + std::string(reader_.Word()) + "\" after " + verb_.usage);
+      problem("unexpected " + QuotedPrefix(reader_.Word()) + " after " + verb_.usage);
   }
 
   void Point(ScriptCommand& command) {
@@ -197,17 +198,17 @@ class CommandReader {
     if (word.empty()) problem(std::string(verb_.word) + " needs " + verb_.usage);
     const std::optional<int64_t> button = PropertyArgument::ParseInteger(word);
     if (!button || (*button != 1 && *button != 2 && *button != 4))
-      problem("button \"" + std::string(word) + "\" is not 1 (left), 2 (right) or 4 (middle)");
+      problem("button " + QuotedPrefix(word) + " is not 1 (left), 2 (right) or 4 (middle)");
     command.Button = static_cast<int16_t>(*button);
   }
 
  private:
   int64_t checked(const char* what, std::string_view word, int64_t low, int64_t high) {
     const std::optional<int64_t> value = PropertyArgument::ParseInteger(word);
-    if (!value) problem(std::string(what) + " \"" + std::string(word) + "\" is not a number");
+    if (!value) problem(std::string(what) + " " + QuotedPrefix(word) + " is not a number");
     if (*value < low || *value > high)
-      problem(std::string(what) + " " + std::string(word) + " is outside " + std::to_string(low) +
-              ".." + std::to_string(high));
+      problem(std::string(what) + " " + std::to_string(*value) + " is outside " +
+              std::to_string(low) + ".." + std::to_string(high));
     return *value;
   }
 
@@ -218,7 +219,7 @@ class CommandReader {
 const VerbInfo& verbNamed(std::string_view word) {
   for (const VerbInfo& verb : kVerbs)
     if (wordIs(word, verb.word)) return verb;
-  problem("unknown command \"" + std::string(word) + "\"");
+  problem("unknown command " + QuotedPrefix(word));
 }
 
 void readArguments(CommandReader& in, ScriptCommand& command) {

@@ -1,7 +1,12 @@
 #include "apps/velt/SearchCommand.hpp"
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -120,6 +125,57 @@ std::shared_ptr<sf_Information> runSearch(const SearchOptions& options) {
   return found;
 }
 
+// Why a start folder gives nothing, or "" when it can be read. The search
+// itself stays silent about it (an empty result is its answer); the user is
+// told here.
+std::string startFolderProblem(const std::string& folder) {
+  const std::string path = folder.empty() ? "/" : folder;
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) return "no such folder";
+    return std::strerror(errno);
+  }
+  if (!S_ISDIR(status.st_mode)) return "not a folder";
+  DIR* listing = ::opendir(path.c_str());
+  if (!listing) return std::string("cannot be read: ") + std::strerror(errno);
+  ::closedir(listing);
+  return {};
+}
+
+// Tab, line feed, carriage return and backslash in a name are written as \t,
+// \n, \r and \\, so each result stays one line of tab-separated fields.
+std::string escaped(const std::string& name) {
+  if (name.find_first_of("\t\n\r\\") == std::string::npos) return name;
+  std::string text;
+  for (const char c : name) {
+    switch (c) {
+      case '\t':
+        text += "\\t";
+        break;
+      case '\n':
+        text += "\\n";
+        break;
+      case '\r':
+        text += "\\r";
+        break;
+      case '\\':
+        text += "\\\\";
+        break;
+      default:
+        text += c;
+    }
+  }
+  return text;
+}
+
+void reportStartFolders(const SearchOptions& options, std::ostream& err) {
+  Search search;
+  if (options.Separator) search.Separator(*options.Separator);
+  for (const std::string& folder : search.SplitList(options.Positional[0]))
+    if (const std::string problem = startFolderProblem(folder); !problem.empty())
+      err << "velt search: " << escaped(folder.empty() ? "/" : folder) << ": " << problem << "\n";
+}
+
 }  // namespace
 
 SearchCommand::SearchCommand(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
@@ -145,7 +201,10 @@ does not matter.
   --separator C    the list separator: one character, code 255 at most
 
 Prints a line per result: Path, Filename, DateTime, attributes, Size,
-separated by tabs. Names are printed with their bytes as they are.
+separated by tabs. In Path and Filename a tab is written as \t, a line feed
+as \n, a carriage return as \r and a backslash as \\; every other byte is
+printed as it is. A start folder that does not exist, is no folder or cannot
+be read is named on standard error; the search still ends with status 0.
 )";
 }
 
@@ -162,10 +221,11 @@ int SearchCommand::Run(std::span<const std::string> arguments) {
     err_ << "velt search: " << error.Description() << "\n" << Usage();
     return kBadInput;
   }
+  reportStartFolders(options, err_);
   const auto found = runSearch(options);
   for (const auto& result : *found)
-    out_ << result->Path() << '\t' << result->Filename() << '\t' << result->DateTime() << '\t'
-         << result->Attri() << '\t' << result->Size() << '\n';
+    out_ << escaped(result->Path()) << '\t' << escaped(result->Filename()) << '\t'
+         << result->DateTime() << '\t' << result->Attri() << '\t' << result->Size() << '\n';
   out_.flush();
   return kOk;
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -123,6 +124,23 @@ TEST_F(RunCommandTest, ABadScriptLineIsReportedBeforeAnythingRuns) {
   EXPECT_NE(errors.str().find("line 2 \"prop Shape=3\""), std::string::npos) << errors.str();
   EXPECT_TRUE(printed.str().empty()) << "events printed before the check";
   EXPECT_TRUE(fs::is_empty(folder));
+}
+
+// A script is a regular file of bounded size or standard input: nothing that
+// blocks, never ends or is no file at all.
+TEST_F(RunCommandTest, AnInputThatIsNoRegularFileIsAClearError) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  const struct {
+    std::string input, problem;
+  } cases[] = {
+      {folder.string(), "a folder, not a regular file"},
+      {(folder / "fifo").string(), "a FIFO, not a regular file"},
+      {"/dev/zero", "a device, not a regular file"},
+  };
+  for (const auto& bad : cases) {
+    EXPECT_EQ(run({kExamples + "/button.json", "--headless", "--input", bad.input}), 2);
+    EXPECT_EQ(errors.str(), "velt run: the input script " + bad.input + ": " + bad.problem + "\n");
+  }
 }
 
 TEST_F(RunCommandTest, UsageMistakesAreReported) {

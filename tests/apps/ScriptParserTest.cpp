@@ -97,6 +97,14 @@ TEST(ScriptParserTest, BadLinesAreReportedWithNumberAndText) {
     EXPECT_EQ(error.LineText(), "jump 3 4");
     EXPECT_EQ(std::string(error.what()), R"(moves.txt line 3 "jump 3 4": unknown command "jump")");
   }
+  // A huge line is quoted by a short prefix.
+  try {
+    ScriptParser::Parse(std::string(1 << 20, 'x'), "big.txt");
+    FAIL() << "no error";
+  } catch (const ScriptError& error) {
+    EXPECT_LT(std::string(error.what()).size(), 300u);
+    EXPECT_NE(std::string(error.what()).find("(1048576 bytes)"), std::string::npos) << error.what();
+  }
 }
 
 TEST(ScriptParserTest, WrongArgumentsAreProblems) {

@@ -80,6 +80,38 @@ TEST_F(SearchCommandTest, RecursiveScansFindFilesBelowAndFolders) {
   EXPECT_EQ(folders[0].at(3), "16");
 }
 
+// The fields of a line stay apart whatever a name holds.
+TEST_F(SearchCommandTest, TabsLineFeedsAndBackslashesInNamesAreEscaped) {
+  write(root_ / "sub" / "t\tn\nb\\.txt", "");
+  ASSERT_EQ(run({(root_ / "sub").string(), "t*"}), SearchCommand::kOk) << err_.str();
+  const auto found = rows();
+  ASSERT_EQ(found.size(), 1u) << out_.str();
+  ASSERT_EQ(found[0].size(), 5u) << out_.str();
+  EXPECT_EQ(found[0][1], "t\\tn\\nb\\\\.txt");
+}
+
+// An empty result is the search's answer; the user is told why on stderr.
+TEST_F(SearchCommandTest, AStartFolderThatCannotBeSearchedIsNamedOnStandardError) {
+  const std::string missing = (root_ / "none").string();
+  const std::string file = (root_ / "a.txt").string();
+  const struct {
+    std::vector<std::string> arguments;
+    std::string message;
+  } cases[] = {
+      {{missing, "*"}, "velt search: " + missing + ": no such folder\n"},
+      {{file, "*", "--recursive"}, "velt search: " + file + ": not a folder\n"},
+      {{missing + ";" + file, "--recursive", "--dirs"},
+       "velt search: " + missing + ": no such folder\nvelt search: " + file + ": not a folder\n"},
+  };
+  for (const auto& bad : cases) {
+    EXPECT_EQ(run(bad.arguments), SearchCommand::kOk);
+    EXPECT_EQ(err_.str(), bad.message);
+    EXPECT_EQ(out_.str(), "");
+  }
+  ASSERT_EQ(run({root_.string(), "*"}), SearchCommand::kOk);
+  EXPECT_EQ(err_.str(), "");
+}
+
 TEST_F(SearchCommandTest, BadUsageIsStatusTwoWithAMessage) {
   EXPECT_EQ(run({root_.string()}), SearchCommand::kBadInput);
   EXPECT_NE(err_.str().find("pattern"), std::string::npos) << err_.str();

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -199,7 +202,22 @@ std::string withControl(const std::string& properties, const std::string& type =
          properties + "}}]}";
 }
 
+std::string withImage(const std::string& file) {
+  return R"({"version": 1, "width": 9, "height": 9, "imageLists": [{"name": "Icons",
+          "images": [{"file": ")" +
+         file + R"("}]}]})";
+}
+
+std::string repeated(const std::string& text, size_t count) {
+  std::string result;
+  for (size_t i = 0; i < count; ++i)
+    result += text;
+  return result;
+}
+
 TEST_F(FormFileTest, EveryMistakeNamesTheFileThePathAndWhatWasExpected) {
+  ASSERT_EQ(::mkfifo((folder / "fifo.png").c_str(), 0600), 0);
+  fs::create_symlink("/dev/zero", folder / "zero.png");
   const struct {
     std::string json;
     int32_t number;
@@ -231,6 +249,25 @@ TEST_F(FormFileTest, EveryMistakeNamesTheFileThePathAndWhatWasExpected) {
       {R"({"version": 1, "width": 9, "height": 9, "imageLists": [{"name": "Icons",
           "images": [{"file": "icons/none.png"}]}]})",
        errFileNotFound, "/imageLists/0/images/0/file", "none.png"},
+      {withImage("fifo.png"), errPathFileAccess, "/imageLists/0/images/0/file", "a FIFO"},
+      {withImage("zero.png"), errPathFileAccess, "/imageLists/0/images/0/file", "a device"},
+      {withImage("icons"), errPathFileAccess, "/imageLists/0/images/0/file", "a folder"},
+      {R"({"version": 1, "width": 10, "width": 20, "height": 10})", errTypeMismatch, "/width",
+       "the key \"width\" appears twice"},
+      {withControl(R"("Caption": )" + std::string(80000, '[') + std::string(80000, ']')),
+       errTypeMismatch,
+       "/controls/1/properties/Caption" + repeated("/0", 8) + "/..." + repeated("/0", 4) +
+           " (256 levels)",
+       "nested deeper than 256 levels"},
+      // One rule for colours: the form's and the controls'.
+      {R"({"version": 1, "width": 9, "height": 9, "backColor": -1})", errInvalidPropertyValue,
+       "/backColor", "0..4294967295"},
+      {withControl(R"("BackColor": -1)"), errInvalidPropertyValue,
+       "/controls/1/properties/BackColor", "0..4294967295"},
+      {withControl(R"("ForeColor": "-1")"), errInvalidPropertyValue,
+       "/controls/1/properties/ForeColor", "0..4294967295"},
+      {withControl(R"("ForeColor": 2.5)"), errInvalidPropertyValue,
+       "/controls/1/properties/ForeColor", "0..4294967295"},
   };
   for (const auto& bad : cases) {
     SCOPED_TRACE(bad.json);
@@ -239,6 +276,107 @@ TEST_F(FormFileTest, EveryMistakeNamesTheFileThePathAndWhatWasExpected) {
         << message;
     EXPECT_NE(message.find(bad.expectation), std::string::npos) << message;
   }
+  // A huge value is quoted by a short prefix only.
+  const std::string huge = test::errorOf(errTypeMismatch, [&] {
+    parse(withControl(R"("BackColor": ")" + std::string(5 << 20, 'x') + "\""));
+  });
+  EXPECT_LT(huge.size(), 600u) << huge.substr(0, 600);
+  EXPECT_NE(huge.find("(5242880 bytes)"), std::string::npos) << huge.substr(0, 600);
+}
+
+// Every reference to one file shares one decoded picture (and one scaled copy
+// per size), and what the pictures of one file may take is bounded, checked
+// from the header before a picture is decoded.
+TEST_F(FormFileTest, PicturesAreSharedAndWithinAPixelBudget) {
+  std::string images;
+  for (int i = 0; i < 250; ++i)
+    images += std::string(i ? "," : "") + R"({"file": "icons/red.png"})";
+  const FormFile file = parse(R"({"version": 1, "width": 9, "height": 9, "imageLists": [
+      {"name": "Big", "imageWidth": 1024, "imageHeight": 1024, "images": [)" +
+                              images + R"(]},
+      {"name": "Same", "images": [{"file": "icons/red.png"}, {"file": "icons/../icons/red.png"}]}]})");
+  const ListImages& big = file.ImageLists[0].List->ListImages();
+  ASSERT_EQ(big.Count(), 250);
+  EXPECT_EQ(big.Item(1)->Picture(), big.Item(250)->Picture());
+  EXPECT_EQ(big.Item(1)->Picture()->Width(), 1024);
+  const ListImages& same = file.ImageLists[1].List->ListImages();
+  EXPECT_EQ(same.Item(1)->Picture(), same.Item(2)->Picture());
+
+  Picture wide(16384, 1);
+  Png::Write((folder / "wide.png").string(), wide);
+  std::string header = readText(folder / "wide.png");
+  header[22] = 0x40;  // the height 1 becomes 16384; the checksum is no longer right
+  header[23] = 0x00;
+  std::ofstream(folder / "huge.png", std::ios::binary) << header;
+  const std::string message =
+      test::errorOf(errInvalidPicture, [&] { parse(withImage("huge.png")); });
+  EXPECT_NE(message.find("/imageLists/0/images/0/file: "), std::string::npos) << message;
+  EXPECT_NE(message.find("16384x16384 pixels, more than"), std::string::npos) << message;
+}
+
+// Memory running out while a file is read is error 7 naming the file and the
+// JSON path reached, not an unexpected failure. Run in a child process whose
+// address space is limited; the sanitizers reserve more address space than
+// any limit would leave, so the test cannot run under them.
+TEST_F(FormFileTest, RunningOutOfMemoryNamesTheFileAndThePlace) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "address space limits do not work under the address sanitizer";
+#else
+  const std::string text = R"({"version": 1, "width": 9, "height": 9, "controls": [)" +
+                           repeated("[],", 6'000'000) + "[]]}";
+  int channel[2];
+  ASSERT_EQ(::pipe(channel), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::close(channel[0]);
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t room = static_cast<rlim_t>(pages) * ::sysconf(_SC_PAGESIZE) + (96 << 20);
+    const struct rlimit limit { room, room };
+    ::setrlimit(RLIMIT_AS, &limit);
+    std::string message = "no error";
+    try {
+      parse(text);
+    } catch (const Error& error) {
+      message = std::to_string(error.Number()) + " " + error.Description();
+    }
+    const ssize_t written = ::write(channel[1], message.data(), message.size());
+    ::_exit(written > 0 ? 0 : 1);
+  }
+  ::close(channel[1]);
+  std::string message;
+  char buffer[512];
+  for (ssize_t got; (got = ::read(channel[0], buffer, sizeof buffer)) > 0;)
+    message.append(buffer, static_cast<size_t>(got));
+  ::close(channel[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status)) << "the child died: " << status;
+  const std::string expected = "7 " + (folder / "form.json").string() + ": /controls/";
+  EXPECT_EQ(message.rfind(expected, 0), 0u) << message;
+  EXPECT_NE(message.find(": out of memory"), std::string::npos) << message;
+#endif
+}
+
+// Pictures saved with a form stay in the output's folder or below it; a
+// failure names the target and the system's reason.
+TEST_F(FormFileTest, SavingKeepsPicturesBelowTheOutputAndNamesWhatFailed) {
+  fs::create_directories(folder / "a" / "b");
+  fs::create_directories(folder / "x");
+  Png::Write((folder / "x" / "ok.png").string(), *square(0xFF00FF00));
+  const FormFile file =
+      FormFile::Parse(withImage("../../x/ok.png"), (folder / "a" / "b" / "in.json").string(),
+                      ControlRegistry::Standard());
+  const fs::path out = folder / "a" / "b" / "out.json";
+  file.Save(out.string());
+  EXPECT_EQ(filesIn(folder / "a"), (Names{"b/out-Icons-1.png", "b/out.json"}));
+  EXPECT_EQ(filesIn(folder / "x"), (Names{"ok.png"}));
+  EXPECT_EQ(load(out).ImageLists[0].List->ListImages().Item(1)->Picture()->Pixel(0, 0),
+            0xFF00FF00u);
+  const std::string missing = (folder / "none" / "out.json").string();
+  EXPECT_EQ(test::errorOf(errPathFileAccess, [&] { parse(withControl("")).Save(missing); }),
+            missing + ": cannot be written: No such file or directory");
 }
 
 TEST_F(FormFileTest, AValueAControlRefusesNamesTheControlAndAMissingFileIsError53) {

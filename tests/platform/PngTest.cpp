@@ -1,6 +1,7 @@
 #include "velt/platform/Png.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -115,6 +116,28 @@ TEST_F(PngTest, FileErrorsNameThePath) {
   std::ofstream(path("text.png")) << "not an image at all";
   EXPECT_NE(errorOf(errInvalidPicture, [&] { Png::Read(path("text.png")); }).find("text.png"),
             std::string::npos);
+}
+
+// Only regular files are read (a FIFO would block, /dev/zero never ends), and
+// the size the header promises is checked against the caller's pixel limit
+// before the body is read: a header of 16384x16384 over a body of megabytes of
+// zeros costs nothing.
+TEST_F(PngTest, ReadsRegularFilesAndChecksTheHeaderFirst) {
+  ASSERT_EQ(::mkfifo(path("fifo.png").c_str(), 0600), 0);
+  fs::create_symlink("/dev/zero", path("zero.png"));
+  EXPECT_NE(errorOf(errPathFileAccess, [&] { Png::Read(path("fifo.png")); }).find("a FIFO"),
+            std::string::npos);
+  EXPECT_NE(errorOf(errPathFileAccess, [&] { Png::Read(path("zero.png")); }).find("a device"),
+            std::string::npos);
+  EXPECT_NE(errorOf(errPathFileAccess, [&] { Png::Read(dir_.string()); }).find("a folder"),
+            std::string::npos);
+  std::ofstream(path("huge.png"), std::ios::binary)
+      << pngBytes(16384, 16384, 8, 2, std::string(60000, '\0')) << std::string(8 << 20, '\0');
+  EXPECT_NE(errorOf(errInvalidPicture, [&] { Png::Read(path("huge.png"), 1 << 20); })
+                .find("16384x16384 pixels, more than the 1048576 pixels allowed here"),
+            std::string::npos);
+  std::ofstream(path("short.png"), std::ios::binary) << "\x89PNG\r\n\x1a\n";
+  errorOf(errInvalidPicture, [&] { Png::Read(path("short.png")); });
 }
 
 TEST(PngReadTest, ConvertsGreyPaletteAndSixteenBitToRgba) {

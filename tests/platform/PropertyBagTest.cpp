@@ -138,6 +138,24 @@ TEST(PropertyBagTest, JsonTextKeepsTheFileOrderMustBeAnObjectAndGivesErrorPositi
   errorOf(errTypeMismatch, [] { PropertyBag::FromJsonText(R"({"A": 1e999})"); });
 }
 
+// Refused while parsing, before anything walks the document: nesting that
+// would exhaust the stack of a copy or a dump, and a key given twice.
+TEST(PropertyBagTest, DeepNestingAndDuplicateKeysAreRefusedWithTheirPath) {
+  const std::string deep =
+      R"({"Caption": )" + std::string(50000, '[') + std::string(50000, ']') + "}";
+  const std::string message = errorOf(errTypeMismatch, [&] { PropertyBag::FromJsonText(deep); });
+  EXPECT_EQ(message,
+            "PropertyBag JSON: /Caption/0/0/0/0/0/0/0/0/0/0/0/.../0/0/0/0 (256 levels): "
+            "nested deeper than 256 levels");
+  EXPECT_EQ(errorOf(errTypeMismatch,
+                    [] { PropertyBag::FromJsonText(R"({"A": {"width": 10, "width": 20}})"); }),
+            "PropertyBag JSON: /A/width: the key \"width\" appears twice");
+  EXPECT_EQ(PropertyBag::FromJsonText(std::string(255, '[').insert(0, "{\"A\": ") +
+                                      std::string(255, ']') + "}")
+                .Count(),
+            1u);
+}
+
 TEST(PropertyBagTest, ObjectReferencesGoThroughResolverAndNamer) {
   const std::shared_ptr<Object> images = std::make_shared<Picture>(1, 1);
   PropertyBag bag;

@@ -1,10 +1,15 @@
 #include "velt/host/FormFile.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
+#include <map>
+#include <new>
+#include <tuple>
+#include <unordered_set>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -13,10 +18,13 @@
 #include "velt/host/FormWindow.hpp"
 #include "velt/host/Site.hpp"
 #include "velt/platform/Error.hpp"
+#include "velt/platform/FileReplacement.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/ImageList.hpp"
+#include "velt/platform/JsonText.hpp"
 #include "velt/platform/Picture.hpp"
 #include "velt/platform/Png.hpp"
+#include "velt/platform/RegularFile.hpp"
 #include "velt/platform/UserControl.hpp"
 
 namespace velt {
@@ -28,6 +36,10 @@ namespace {
 
 constexpr const char* kFontKey = "font";
 constexpr int64_t kMaxPosition = 100'000'000;
+constexpr uint64_t kMaxFormFileBytes = uint64_t{64} << 20;
+// What the pictures of one form file may take, decoded and scaled together:
+// 128 MB of pixels.
+constexpr uint64_t kMaxPicturePixels = uint64_t{32} << 20;
 
 const std::vector<std::string> kFormKeys = {"version",   "caption", "width",      "height",
                                             "backColor", "font",    "imageLists", "controls"};
@@ -36,15 +48,6 @@ const std::vector<std::string> kImageListKeys = {"name",      "imageWidth",   "i
 const std::vector<std::string> kImageKeys = {"file", "key"};
 const std::vector<std::string> kControlKeys = {"type",  "name",   "left",      "top",
                                                "width", "height", "properties"};
-
-std::string withoutLibraryPrefix(const std::string& message) {
-  // nlohmann's messages start with "[json.exception.parse_error.101] ".
-  if (!message.empty() && message.front() == '[') {
-    const auto end = message.find("] ");
-    if (end != std::string::npos) return message.substr(end + 2);
-  }
-  return message;
-}
 
 std::string joined(const std::vector<std::string>& words) {
   std::string text;
@@ -56,7 +59,7 @@ std::string joined(const std::vector<std::string>& words) {
 std::string kindOf(const Json& value) {
   if (value.is_number_integer()) return "the whole number " + value.dump();
   if (value.is_number_float()) return "the number " + value.dump();
-  if (value.is_string()) return "the text " + value.dump();
+  if (value.is_string()) return "the text " + QuotedPrefix(value.get_ref<const std::string&>());
   if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
   if (value.is_null()) return "null";
   return std::string("a JSON ") + value.type_name();
@@ -98,45 +101,16 @@ std::string fileNamePart(const std::string& text) {
   return result.empty() ? "_" : result;
 }
 
-std::string readWholeFile(const std::string& path) {
-  std::error_code code;
-  if (!fs::is_regular_file(path, code)) {
-    if (fs::exists(path, code))
-      throw Error(errPathFileAccess, path + ": not a file that can be read");
-    throw Error(errFileNotFound, path + ": no such file");
-  }
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  if (!file && !file.eof()) throw Error(errPathFileAccess, path + ": cannot be read");
-  return text.str();
+void writeText(std::FILE* file, const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), file);
 }
 
-// Writes through a temporary file in the target's folder, renamed over the
-// target once complete.
-template <class Write>
-void replaceFile(const fs::path& target, Write write) {
-  fs::path temporary = target;
-  temporary.replace_filename("." + target.filename().string() + ".tmp");
-  try {
-    write(temporary.string());
-    fs::rename(temporary, target);
-  } catch (const fs::filesystem_error& error) {
-    std::error_code ignored;
-    fs::remove(temporary, ignored);
-    throw Error(errPathFileAccess, target.string() + ": cannot be written (" + error.what() + ")");
-  } catch (...) {
-    std::error_code ignored;
-    fs::remove(temporary, ignored);
-    throw;
-  }
-}
-
-void writeText(const std::string& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << text;
-  file.close();
-  if (!file) throw Error(errPathFileAccess, path + ": cannot be written");
+// A picture file name given in a form stays below the form's folder when the
+// form is saved: no absolute name, no way up.
+bool staysBelow(const std::string& file) {
+  const fs::path name = fs::path(file).lexically_normal();
+  return !file.empty() && name.is_relative() && !name.empty() && *name.begin() != ".." &&
+         name.filename() != "" && name != ".";
 }
 
 bool holdsPicture(const fs::path& file, const Picture& picture) {
@@ -162,9 +136,11 @@ class Reader {
   void Read(std::string_view text) {
     Json document;
     try {
-      document = Json::parse(text.begin(), text.end());
-    } catch (const Json::exception& error) {
-      fail(errTypeMismatch, {}, "not valid JSON: " + withoutLibraryPrefix(error.what()));
+      document = ParseJsonText(text);
+    } catch (const Error& error) {
+      throw Error(error.Number(), path_ + ": " + error.Description());
+    } catch (const std::bad_alloc&) {
+      fail(errOutOfMemory, {}, "out of memory while reading the JSON");
     }
     readForm(document);
   }
@@ -173,8 +149,17 @@ class Reader {
   using Pointer = std::vector<std::string>;
 
   [[noreturn]] void fail(int32_t number, const Pointer& at, const std::string& problem) const {
-    const std::string where = at.empty() ? "/" : FormFile::JsonPointer(at);
-    throw Error(number, path_ + ": " + where + ": " + problem);
+    throw Error(number, path_ + ": " + FormFile::JsonPointer(at) + ": " + problem);
+  }
+
+  // Runs one step of reading; memory running out is reported with its place.
+  template <class Step>
+  void reading(const Pointer& at, Step step) {
+    try {
+      step();
+    } catch (const std::bad_alloc&) {
+      fail(errOutOfMemory, at, "out of memory");
+    }
   }
 
   static Pointer child(Pointer at, const std::string& part) {
@@ -190,7 +175,7 @@ class Reader {
     for (const auto& [key, item] : value.items())
       if (std::find(keys.begin(), keys.end(), key) == keys.end())
         fail(errInvalidProcedureCall, child(at, key),
-             "unknown key \"" + key + "\" (expected one of " + joined(keys) + ")");
+             "unknown key " + QuotedPrefix(key) + " (expected one of " + joined(keys) + ")");
   }
 
   const Json* find(const Json& object, const std::string& key) const {
@@ -232,6 +217,7 @@ class Reader {
     return value.get<bool>();
   }
 
+  // The one rule for colours: a whole number 0..4294967295.
   OLE_COLOR color(const Json& value, const Pointer& at) const {
     return static_cast<OLE_COLOR>(number(value, at, 0, std::numeric_limits<uint32_t>::max()));
   }
@@ -272,17 +258,16 @@ class Reader {
   void readImageLists(const Json& lists, const Pointer& at) {
     if (!lists.is_array()) fail(errTypeMismatch, at, "expected an array, found " + kindOf(lists));
     for (size_t i = 0; i < lists.size(); ++i)
-      readImageList(lists[i], child(at, i));
+      reading(child(at, i), [&] { readImageList(lists[i], child(at, i)); });
   }
 
   void readImageList(const Json& list, const Pointer& at) {
     checkObject(list, at, kImageListKeys, "an image list object");
     FormFile::ImageListEntry entry;
     entry.Name = text(require(list, at, "name"), child(at, "name"), false);
-    for (const FormFile::ImageListEntry& other : file_.ImageLists)
-      if (other.Name == entry.Name)
-        fail(errKeyAlreadyExists, child(at, "name"),
-             "a second image list named \"" + entry.Name + "\"");
+    if (!listNames_.insert(entry.Name).second)
+      fail(errKeyAlreadyExists, child(at, "name"),
+           "a second image list named " + QuotedPrefix(entry.Name));
     entry.List = std::make_shared<ImageList>();
     ImageList& imageList = *entry.List;
     if (const Json* width = find(list, "imageWidth"))
@@ -311,8 +296,9 @@ class Reader {
       if (const Json* given = find(images[i], "key"))
         key = text(*given, child(imageAt, "key"), true);
       try {
-        entry.List->ListImages().Add((folder / file).string(), key);
+        reading(imageAt, [&] { addPicture(*entry.List, (folder / file).string(), key); });
       } catch (const Error& error) {
+        if (error.Number() == errOutOfMemory) throw;
         fail(error.Number(), child(imageAt, error.Number() == errKeyAlreadyExists ? "key" : "file"),
              error.Description());
       }
@@ -320,11 +306,48 @@ class Reader {
     }
   }
 
+  // One decoded picture per file, and one scaled copy per file and size, shared
+  // by every reference; all of them together within the pixel budget.
+  void addPicture(ImageList& list, const std::string& file, const std::string& key) {
+    struct stat status {};
+    const bool known = ::stat(file.c_str(), &status) == 0;
+    const PictureKey identity{known ? status.st_dev : 0, known ? status.st_ino : 0, 0, 0};
+    std::shared_ptr<Picture> decoded;
+    if (const auto it = decoded_.find(identity); known && it != decoded_.end()) {
+      decoded = it->second;
+    } else {
+      decoded = Png::Read(file, kMaxPicturePixels - usedPixels_);
+      usedPixels_ += pixelsOf(*decoded);
+      if (known) decoded_[identity] = decoded;
+    }
+    const int32_t width = list.ImageWidth() ? list.ImageWidth() : decoded->Width();
+    const int32_t height = list.ImageHeight() ? list.ImageHeight() : decoded->Height();
+    PictureKey sized = identity;
+    std::get<2>(sized) = width;
+    std::get<3>(sized) = height;
+    if (const auto it = scaled_.find(sized); known && it != scaled_.end()) {
+      list.ListImages().Add(it->second, key);
+      return;
+    }
+    const bool scaling = width != decoded->Width() || height != decoded->Height();
+    const uint64_t pixels = scaling ? uint64_t(width) * uint64_t(height) : 0;
+    if (pixels > kMaxPicturePixels - usedPixels_)
+      throw Error(errInvalidPicture, "the pictures of the form file take more than " +
+                                      std::to_string(kMaxPicturePixels) + " pixels");
+    const std::shared_ptr<ListImage> item = list.ListImages().Add(decoded, key);
+    usedPixels_ += pixels;
+    if (known) scaled_[sized] = item->Picture();
+  }
+
+  static uint64_t pixelsOf(const Picture& picture) {
+    return uint64_t(picture.Width()) * uint64_t(picture.Height());
+  }
+
   void readControls(const Json& controls, const Pointer& at) {
     if (!controls.is_array())
       fail(errTypeMismatch, at, "expected an array, found " + kindOf(controls));
     for (size_t i = 0; i < controls.size(); ++i)
-      readControl(controls[i], child(at, i));
+      reading(child(at, i), [&] { readControl(controls[i], child(at, i)); });
   }
 
   void readControl(const Json& control, const Pointer& at) {
@@ -339,10 +362,9 @@ class Reader {
     }
     entry.Type = made->ClassName();
     entry.Name = text(require(control, at, "name"), child(at, "name"), false);
-    for (const FormFile::ControlEntry& other : file_.Controls)
-      if (other.Name == entry.Name)
-        fail(errKeyAlreadyExists, child(at, "name"),
-             "a second control named \"" + entry.Name + "\"");
+    if (!controlNames_.insert(entry.Name).second)
+      fail(errKeyAlreadyExists, child(at, "name"),
+           "a second control named " + QuotedPrefix(entry.Name));
     entry.Bounds = readBounds(control, at);
     try {
       Site::CheckPlacement("the control", made.get(), entry.Name, entry.Bounds);
@@ -385,11 +407,12 @@ class Reader {
   void checkProperty(const PropertyBag& bag, const std::string& key, const Json& raw,
                      const Pointer& at, const std::string& type) const {
     const std::optional<FormFile::ControlTypes::PropertyInfo> info = types_.FindProperty(type, key);
-    if (!info) fail(errInvalidProcedureCall, at, type + " has no stored property \"" + key + "\"");
+    if (!info)
+      fail(errInvalidProcedureCall, at, type + " has no stored property " + QuotedPrefix(key));
     if (info->Name != key)
       fail(errInvalidProcedureCall, at,
-           type + " has no stored property \"" + key + "\" (names are case-sensitive: \"" +
-               info->Name + "\")");
+           type + " has no stored property " + QuotedPrefix(key) +
+               " (names are case-sensitive: \"" + info->Name + "\")");
     const std::string expected = "expected " + expectedValue(info->Type);
     if (raw.is_null() && info->Type != VariantType::Object)
       fail(errTypeMismatch, at, expected + ", found null");
@@ -405,33 +428,40 @@ class Reader {
       fail(error.Number(), at,
            expected + ", found " + kindOf(raw) + " (" + error.Description() + ")");
     }
+    if (info->Type == VariantType::Color) checkColor(value, raw, at);
   }
+
+  // Stored colours follow the form's rule, converted values (text) too.
+  void checkColor(const Variant& value, const Json& raw, const Pointer& at) const {
+    const double number =
+        raw.is_number() ? raw.get<double>() : value.ChangeType(VariantType::Double).ToDouble();
+    if (!(number >= 0 && number <= std::numeric_limits<uint32_t>::max()) ||
+        number != std::floor(number))
+      fail(errInvalidPropertyValue, at,
+           "expected a colour, a whole number 0..4294967295, found " + kindOf(raw));
+  }
+
+  // Device, inode, and the width and height a list scaled the picture to.
+  using PictureKey = std::tuple<dev_t, ino_t, int32_t, int32_t>;
 
   std::string path_;
   const FormFile::ControlTypes& types_;
   FormFile& file_;
+  std::unordered_set<std::string> controlNames_;
+  std::unordered_set<std::string> listNames_;
+  std::map<PictureKey, std::shared_ptr<Picture>> decoded_;
+  std::map<PictureKey, std::shared_ptr<Picture>> scaled_;
+  uint64_t usedPixels_ = 0;
 };
 
 }  // namespace
 
 std::string FormFile::JsonPointer(const std::vector<std::string>& parts) {
-  std::string pointer;
-  for (const std::string& part : parts) {
-    pointer += '/';
-    for (char c : part) {
-      if (c == '~')
-        pointer += "~0";
-      else if (c == '/')
-        pointer += "~1";
-      else
-        pointer += c;
-    }
-  }
-  return pointer;
+  return JsonPointerText(parts);
 }
 
 FormFile FormFile::Load(const std::string& path, const ControlTypes& types) {
-  return Parse(readWholeFile(path), path, types);
+  return Parse(RegularFile::ReadText(path, kMaxFormFileBytes), path, types);
 }
 
 FormFile FormFile::Parse(std::string_view text, const std::string& path,
@@ -475,8 +505,13 @@ std::unique_ptr<Form> FormFile::CreateForm(std::shared_ptr<WindowSystem> system,
     } catch (const Error& error) {
       throw Error(error.Number(), (Path.empty() ? std::string("form file") : Path) + ": " +
                                       JsonPointer({"controls", std::to_string(i)}) + ": " +
-                                      entry.Type + " \"" + entry.Name +
-                                      "\" cannot be created: " + error.Description());
+                                      entry.Type + " " + QuotedPrefix(entry.Name) +
+                                      " cannot be created: " + error.Description());
+    } catch (const std::bad_alloc&) {
+      throw Error(errOutOfMemory, (Path.empty() ? std::string("form file") : Path) + ": " +
+                                      JsonPointer({"controls", std::to_string(i)}) + ": " +
+                                      entry.Type + " " + QuotedPrefix(entry.Name) +
+                                      " cannot be created: out of memory");
     }
   }
   return form;
@@ -594,23 +629,28 @@ std::string FormFile::ToJsonText() const {
 }
 
 void FormFile::Save(const std::string& path) const {
-  FormFile file = withFileNames(path);
+  // Pictures go into the output's folder or below it, never elsewhere: a name
+  // that would lead out of it is replaced by one made from the form's name.
+  FormFile below = *this;
+  for (ImageListEntry& entry : below.ImageLists)
+    for (std::string& file : entry.Files)
+      if (!staysBelow(file)) file.clear();
+  FormFile file = below.withFileNames(path);
   file.Path = path;
   const std::string text = file.ToJsonText();
   const fs::path folder = fs::path(path).parent_path();
   for (const ImageListEntry& entry : file.ImageLists) {
     for (int32_t i = 1; i <= entry.List->ListImages().Count(); ++i) {
       const std::shared_ptr<Picture> picture = entry.List->ListImages().Item(i)->Picture();
-      const fs::path target = folder / entry.Files[static_cast<size_t>(i - 1)];
+      const fs::path target =
+          folder / fs::path(entry.Files[static_cast<size_t>(i - 1)]).lexically_normal();
       if (holdsPicture(target, *picture)) continue;
       std::error_code code;
       if (target.has_parent_path()) fs::create_directories(target.parent_path(), code);
-      replaceFile(target,
-                  [&picture](const std::string& temporary) { Png::Write(temporary, *picture); });
+      Png::Write(target.string(), *picture);
     }
   }
-  replaceFile(fs::path(path),
-              [&text](const std::string& temporary) { writeText(temporary, text); });
+  ReplaceFile(path, [&text](std::FILE* stream) { writeText(stream, text); });
 }
 
 }  // namespace velt

@@ -63,6 +63,7 @@ void FormWindow::Close() {
   DispatchScope scope = Enter();
   std::vector<std::shared_ptr<Site>> sites = std::move(sites_);
   sites_.clear();
+  sitesByName_.clear();
   for (const std::shared_ptr<Site>& site : sites) {
     site->Close(true);  // a control failing to terminate is dropped all the same
     retired_.push_back(site);
@@ -143,10 +144,12 @@ Site& FormWindow::AddSite(std::shared_ptr<UserControl> control, const std::strin
   DispatchScope scope = Enter();
   auto site = std::make_shared<Site>(*this, nullptr, name, std::move(control), bounds);
   sites_.push_back(site);
+  sitesByName_.emplace(name, site.get());
   try {
     site->Create(stored);
   } catch (...) {
     std::erase(sites_, site);
+    sitesByName_.erase(name);
     site->Close(false);
     retired_.push_back(site);
     throw;
@@ -155,23 +158,25 @@ Site& FormWindow::AddSite(std::shared_ptr<UserControl> control, const std::strin
 }
 
 void FormWindow::RemoveSite(const std::string& name) {
-  auto it = std::find_if(sites_.begin(), sites_.end(), [&name](const std::shared_ptr<Site>& site) {
-    return site->Name() == name;
-  });
+  Site* named = FindSite(name);
+  auto it = named ? std::find_if(
+                        sites_.begin(), sites_.end(),
+                        [named](const std::shared_ptr<Site>& site) { return site.get() == named; })
+                  : sites_.end();
   if (it == sites_.end())
     throw Error(errInvalidProcedureCall,
                 "RemoveControl: form '" + name_ + "' has no control named '" + name + "'");
   DispatchScope scope = Enter();
   std::shared_ptr<Site> site = *it;
   sites_.erase(it);
+  sitesByName_.erase(name);
   retired_.push_back(site);
   if (std::exception_ptr failure = site->Close(true)) std::rethrow_exception(failure);
 }
 
 Site* FormWindow::FindSite(const std::string& name) const {
-  for (const std::shared_ptr<Site>& site : sites_)
-    if (site->Name() == name) return site.get();
-  return nullptr;
+  const auto it = sitesByName_.find(name);
+  return it == sitesByName_.end() ? nullptr : it->second;
 }
 
 std::shared_ptr<PopupWindow> FormWindow::CreatePopup(const std::string& name, bool owned) {

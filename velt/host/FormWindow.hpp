@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "velt/host/DispatchScope.hpp"
@@ -109,7 +110,8 @@ class FormWindow final : public WindowSystem::FormClient,
   Canvas image_;
   InputRouter router_;
   std::vector<std::shared_ptr<PopupWindow>> popups_;
-  std::vector<std::shared_ptr<Site>> sites_;  // bottom to top
+  std::vector<std::shared_ptr<Site>> sites_;            // bottom to top
+  std::unordered_map<std::string, Site*> sitesByName_;  // the same sites, for lookups by name
   std::vector<std::shared_ptr<Site>> retired_;
   int32_t dispatchDepth_ = 0;
   bool closed_ = false;

@@ -170,6 +170,13 @@ void HeadlessWindowSystem::post(ScriptItem item) {
 }
 
 void HeadlessWindowSystem::DoEvents() {
+  // The turn a timer tick makes while nothing else happens (a hover timer
+  // through a long wait) costs a few checks, not a pass of the whole loop.
+  if (script_.empty() && PendingWork() == 0 && !Timers().AnyDue()) {
+    idleCalls_ = std::min(idleCalls_ + 1, 2);
+    if (idleCalls_ == 2 && buttons_ != 0) releaseHeldButtons();
+    return;
+  }
   auto self = weak_from_this().lock();
   bool busy = PendingWork() != 0;
   if (!script_.empty()) {

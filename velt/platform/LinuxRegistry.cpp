@@ -4,20 +4,29 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/RegularFile.hpp"
 
 namespace velt {
 
 namespace {
 
+// The desktop's files: a missing or odd one (a FIFO, a device, a huge file)
+// reads as empty, as a missing one always did.
 std::vector<std::string> readLines(const std::string& path) {
+  constexpr uint64_t kMaxBytes = uint64_t{16} << 20;
   std::vector<std::string> lines;
-  std::ifstream file(path);
+  std::istringstream file;
+  try {
+    file.str(RegularFile::ReadText(path, kMaxBytes));
+  } catch (const Error&) {
+    return lines;
+  }
   std::string line;
   while (std::getline(file, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();

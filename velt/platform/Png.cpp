@@ -6,12 +6,11 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/FileReplacement.hpp"
+#include "velt/platform/RegularFile.hpp"
 
 namespace velt {
 
@@ -144,10 +143,39 @@ std::vector<png_bytep> rowPointers(uint8_t* bytes, png_uint_32 height, size_t ro
   return rows;
 }
 
-std::shared_ptr<Picture> decode(std::span<const uint8_t> data, const std::string& what) {
-  constexpr size_t kSignatureSize = 8;
+constexpr size_t kSignatureSize = 8;
+// The signature, then the IHDR chunk's length, type, width and height.
+constexpr size_t kHeaderPrefix = kSignatureSize + 16;
+
+uint32_t bigEndian(const uint8_t* bytes) {
+  return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) |
+         bytes[3];
+}
+
+void checkSize(const std::string& what, uint64_t width, uint64_t height, uint64_t maxPixels) {
+  if (width > static_cast<uint64_t>(Png::kMaxSize) || height > static_cast<uint64_t>(Png::kMaxSize))
+    invalid(what, "is " + std::to_string(width) + "x" + std::to_string(height) +
+                      " pixels, larger than " + std::to_string(Png::kMaxSize));
+  if (width * height > maxPixels)
+    invalid(what, "is " + std::to_string(width) + "x" + std::to_string(height) +
+                      " pixels, more than the " + std::to_string(maxPixels) +
+                      " pixels allowed here");
+}
+
+// The signature and the size the header promises, from the file's first bytes,
+// before the rest is read; libpng checks the whole header again when decoding.
+void checkHeaderPrefix(std::span<const uint8_t> data, const std::string& what, uint64_t maxPixels) {
   if (data.size() < kSignatureSize || png_sig_cmp(data.data(), 0, kSignatureSize) != 0)
     invalid(what, "is not a PNG image");
+  if (data.size() < kHeaderPrefix || bigEndian(data.data() + 8) != 13 ||
+      std::memcmp(data.data() + 12, "IHDR", 4) != 0)
+    invalid(what, "is damaged: it does not start with an image header");
+  checkSize(what, bigEndian(data.data() + 16), bigEndian(data.data() + 20), maxPixels);
+}
+
+std::shared_ptr<Picture> decode(std::span<const uint8_t> data, const std::string& what,
+                                uint64_t maxPixels) {
+  checkHeaderPrefix(data, what, maxPixels);
   MemorySource source{data.data(), data.size(), 0, {}};
   ReadStructs structs(&source.error);
   if (!structs.png() || !structs.info()) invalid(what, "cannot be read: libpng has no memory");
@@ -162,10 +190,7 @@ std::shared_ptr<Picture> decode(std::span<const uint8_t> data, const std::string
   Header header{};
   if (!readHeader(structs.png(), structs.info(), &header))
     invalid(what, std::string("is damaged: ") + source.error.text);
-  if (header.width > static_cast<png_uint_32>(Png::kMaxSize) ||
-      header.height > static_cast<png_uint_32>(Png::kMaxSize))
-    invalid(what, "is " + std::to_string(header.width) + "x" + std::to_string(header.height) +
-                      " pixels, larger than " + std::to_string(Png::kMaxSize));
+  checkSize(what, header.width, header.height, maxPixels);
   // Deflate packs at most about 1032 bytes into one: a header that promises more
   // pixels than the data can hold is damaged, and is refused before allocating.
   constexpr uint64_t kMaxDeflateRatio = 1100;
@@ -199,45 +224,44 @@ void encode(const std::string& path, int32_t width, int32_t height, int colorTyp
   const size_t rowBytes = bytes.size() / static_cast<size_t>(height);
   std::vector<png_bytep> rows =
       rowPointers(bytes.data(), static_cast<png_uint_32>(height), rowBytes);
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (!file)
-    throw Error(errPathFileAccess,
-                "Png.Write: \"" + path + "\" cannot be written: " + std::strerror(errno));
-  ErrorText error{};
-  bool written = false;
-  {
+  ReplaceFile(path, [&](std::FILE* file) {
+    ErrorText error{};
     WriteStructs structs(&error);
     const Header header{static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
                         rowBytes};
-    written = structs.png() && structs.info() &&
-              writeImage(structs.png(), structs.info(), file, &header, colorType, rows.data());
-  }
-  const bool closed = std::fclose(file) == 0;
-  if (!written || !closed) {
-    std::remove(path.c_str());
-    throw Error(errPathFileAccess, "Png.Write: writing \"" + path + "\" failed: " +
-                                       (error.text[0] ? error.text : "the file cannot be closed"));
-  }
+    if (!structs.png() || !structs.info() ||
+        !writeImage(structs.png(), structs.info(), file, &header, colorType, rows.data()))
+      throw Error(errPathFileAccess, path + ": cannot be written: " +
+                                         (error.text[0] ? error.text : "libpng has no memory"));
+  });
 }
 
 }  // namespace
 
-std::shared_ptr<Picture> Png::Read(const std::string& path) {
-  std::error_code status;
-  if (!std::filesystem::exists(path, status))
-    throw Error(errFileNotFound, "Png.Read: the file \"" + path + "\" does not exist");
-  if (std::filesystem::is_directory(path, status))
-    throw Error(errPathFileAccess, "Png.Read: \"" + path + "\" is a directory");
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw Error(errPathFileAccess, "Png.Read: the file \"" + path + "\" cannot be opened");
-  std::vector<uint8_t> data((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad())
-    throw Error(errPathFileAccess, "Png.Read: the file \"" + path + "\" cannot be read");
-  return decode(data, "Png.Read: the file \"" + path + "\"");
+std::shared_ptr<Picture> Png::Read(const std::string& path, uint64_t maxPixels) {
+  const std::string what = "Png.Read: the file \"" + path + "\"";
+  RegularFile file = [&] {
+    try {
+      return RegularFile::Open(path, kMaxFileBytes);
+    } catch (const Error& error) {
+      throw Error(error.Number(), "Png.Read: " + error.Description());
+    }
+  }();
+  try {
+    std::vector<uint8_t> data = file.Read(kHeaderPrefix);
+    checkHeaderPrefix(data, what, maxPixels);
+    const std::vector<uint8_t> rest = file.ReadRest();
+    data.insert(data.end(), rest.begin(), rest.end());
+    return decode(data, what, maxPixels);
+  } catch (const Error& error) {
+    if (error.Number() == errInvalidPicture) throw;
+    throw Error(error.Number(), "Png.Read: " + error.Description());
+  }
 }
 
-std::shared_ptr<Picture> Png::ReadMemory(std::span<const uint8_t> data) {
-  return decode(data, "Png.ReadMemory: the data (" + std::to_string(data.size()) + " bytes)");
+std::shared_ptr<Picture> Png::ReadMemory(std::span<const uint8_t> data, uint64_t maxPixels) {
+  return decode(data, "Png.ReadMemory: the data (" + std::to_string(data.size()) + " bytes)",
+                maxPixels);
 }
 
 void Png::Write(const std::string& path, const Picture& picture) {

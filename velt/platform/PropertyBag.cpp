@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "velt/platform/Error.hpp"
+#include "velt/platform/JsonText.hpp"
 
 namespace velt {
 
@@ -25,7 +26,7 @@ struct PropertyBag::Entry {
 namespace {
 
 std::string keyText(const std::string& key) {
-  return "PropertyBag key \"" + key + "\"";
+  return "PropertyBag key " + QuotedPrefix(key);
 }
 
 std::string shortDump(const json& value) {
@@ -47,7 +48,7 @@ std::string describe(const Variant& value) {
     case VariantType::Object:
       return value.TypeName();
     case VariantType::String:
-      return "String \"" + value.ToString() + "\"";
+      return "String " + QuotedPrefix(value.ToString());
     default:
       return value.TypeName() + " " + value.ToString();
   }
@@ -258,10 +259,10 @@ Variant PropertyBag::decodeRaw(const Entry& entry) const {
     std::shared_ptr<Object> object = resolver_ ? resolver_(name) : nullptr;
     if (!object)
       throw Error(errObjectNotSet,
-                  keyText(entry.key) + ": no object named \"" + name + "\" can be found");
+                  keyText(entry.key) + ": no object named " + QuotedPrefix(name) + " can be found");
     return Variant(std::move(object));
   }
-  malformed(entry.key, raw, "unknown tag \"" + raw.begin().key() + "\"");
+  malformed(entry.key, raw, "unknown tag " + QuotedPrefix(raw.begin().key()));
 }
 
 json PropertyBag::encode(const std::string& key, const Variant& value) const {
@@ -341,14 +342,15 @@ std::string PropertyBag::ToJsonText() const {
 PropertyBag PropertyBag::FromJsonText(std::string_view text) {
   nlohmann::ordered_json document;
   try {
-    document = nlohmann::ordered_json::parse(text.begin(), text.end());
-  } catch (const json::exception& error) {
-    throw Error(errTypeMismatch, "PropertyBag JSON: " + withoutLibraryPrefix(error.what()));
+    document = ParseJsonText(text);
+  } catch (const Error& error) {
+    throw Error(error.Number(), "PropertyBag JSON: " + error.Description());
   }
   if (!document.is_object())
     throw Error(errTypeMismatch, std::string("PropertyBag JSON: the top level is a ") +
                                      document.type_name() + ", not an object");
   PropertyBag bag;
+  bag.entries_.reserve(document.size());
   for (const auto& [key, value] : document.items())
     bag.entries_.push_back(Entry{key, Variant(), json(value), nullptr, 0});
   return bag;

@@ -100,7 +100,22 @@ std::optional<int64_t> TimerQueue::NextDue() const {
 
 int32_t TimerQueue::RunDue() {
   const int64_t now = clock_.NowMs();
+  // Most turns find one timer due (a hover timer ticking through a long
+  // wait): that one fires without building and sorting a list.
+  std::shared_ptr<Entry> single;
+  size_t dueCount = 0;
+  for (const auto& [id, entry] : entries_) {
+    if (entry->started && !entry->firing && entry->due <= now) {
+      if (++dueCount == 1) single = entry;
+    }
+  }
+  if (dueCount == 0) return 0;
+  if (dueCount == 1) {
+    fire(*single, now);
+    return 1;
+  }
   std::vector<std::shared_ptr<Entry>> due;
+  due.reserve(dueCount);
   for (const auto& [id, entry] : entries_)
     if (entry->started && !entry->firing && entry->due <= now) due.push_back(entry);
   std::sort(due.begin(), due.end(), [](const auto& a, const auto& b) {
@@ -114,6 +129,11 @@ int32_t TimerQueue::RunDue() {
     ++ticks;
   }
   return ticks;
+}
+
+bool TimerQueue::AnyDue() const {
+  const std::optional<int64_t> next = NextDue();
+  return next && *next <= clock_.NowMs();
 }
 
 std::shared_ptr<TimerQueue::Entry> TimerQueue::find(Id id) const {

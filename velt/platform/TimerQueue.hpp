@@ -45,6 +45,8 @@ class TimerQueue {
   // Fires, in due order (ties in the order they were started), every timer that
   // is due now; each at most once per call. Returns the number of ticks.
   int32_t RunDue();
+  // Whether RunDue would fire anything now.
+  bool AnyDue() const;
 
   size_t Count() const { return entries_.size(); }
 

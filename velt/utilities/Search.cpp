@@ -1,5 +1,6 @@
 #include "velt/utilities/Search.hpp"
 
+#include <exception>
 #include <utility>
 
 #include "velt/platform/FolderHandle.hpp"
@@ -129,12 +130,14 @@ void Search::ScanPathforFiles(const std::string& SearchPath, const std::string& 
                               std::shared_ptr<sf_Information>& cFoundFiles) {
   TreeScan scan(TreeScan::Listing::Files, SplitList(sFilter), &Search::runPendingEvents);
   cFoundFiles = scan.Run(SplitList(SearchPath));
+  if (scan.Interruption()) std::rethrow_exception(scan.Interruption());
 }
 
 void Search::ScanPathforPaths(const std::string& SearchPath,
                               std::shared_ptr<sf_Information>& cFoundFiles) {
   TreeScan scan(TreeScan::Listing::Folders, {}, &Search::runPendingEvents);
   cFoundFiles = scan.Run(SplitList(SearchPath));
+  if (scan.Interruption()) std::rethrow_exception(scan.Interruption());
 }
 
 }  // namespace velt

@@ -72,6 +72,9 @@ class Search {
   // installs it (a form's DoEvents); none is installed at first, and an
   // empty function removes it. Each call keeps its results to itself, so
   // host code run meanwhile may start other searches, even on this object.
+  // A velt::Error the handler throws is ignored; any other exception stops
+  // the scan: the collection found so far is assigned, then the exception
+  // goes on to the caller.
   static void DoEventsHandler(std::function<void()> handler);
 
  private:

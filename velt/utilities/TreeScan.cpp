@@ -91,6 +91,8 @@ TreeScan::~TreeScan() = default;
 std::shared_ptr<sf_Information> TreeScan::Run(const std::vector<std::string>& startFolders) {
   results_ = std::make_shared<sf_Information>();
   entered_.Clear();
+  listed_.Clear();
+  interruption_ = nullptr;
   frames_.clear();
   firstOpen_ = 1;
 
@@ -105,10 +107,25 @@ std::shared_ptr<sf_Information> TreeScan::Run(const std::vector<std::string>& st
       continue;
     }
     Subfolder subfolder = std::move(top.subfolders[top.next++]);
-    if (pendingEvents_) ignoringErrors(pendingEvents_);
+    if (!runPendingEvents()) break;
     enter(frames_.size() - 1, std::move(subfolder));
   }
+  frames_.clear();
   return std::exchange(results_, nullptr);
+}
+
+// A velt::Error of the host's handler is left out like any other failing
+// step; anything else ends the scan, to be rethrown once the results are
+// handed over.
+bool TreeScan::runPendingEvents() {
+  if (!pendingEvents_) return true;
+  try {
+    ignoringErrors(pendingEvents_);
+  } catch (...) {
+    interruption_ = std::current_exception();
+    return false;
+  }
+  return true;
 }
 
 void TreeScan::openStartFolders(const std::vector<std::string>& startFolders, Frame& frame) {
@@ -119,6 +136,7 @@ void TreeScan::openStartFolders(const std::vector<std::string>& startFolders, Fr
     const auto identity = start.handle.Identity();
     // The same folder twice in the list finds nothing new the second time.
     if (identity && !entered_.Insert(*identity)) continue;
+    if (identity) listed_.Insert(*identity);
     frame.folders.push_back(std::move(start));
   }
 }
@@ -154,6 +172,9 @@ void TreeScan::takeSubfolder(Frame& frame, uint32_t folder, DirectoryEntry& entr
   const bool listed = listing_ == Listing::Folders;
   if (listed && !(reader_.Describe(entry) && isFolder(entry))) return;
   if (!folderNames_.Insert(entry.Name)) return;
+  // A folder met again (a link to a start folder, an ancestor or one listed
+  // already) is neither listed nor entered a second time.
+  if (listed && !listed_.Insert(entry.Identity)) return;
   frame.subfolders.push_back({folder, std::string(entry.Name)});
   if (listed) add(frame.folders[folder], entry);
 }

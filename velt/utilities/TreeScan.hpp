@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -34,9 +35,15 @@ namespace velt {
 // (and must still be the same folder).
 //
 // A folder is entered at most once, known by its identity (device and
-// inode), so a link back to an ancestor is listed but not followed again and
-// a cycle of links ends. What cannot be read, or vanishes meanwhile, is
-// left out and the scan goes on.
+// inode), so a cycle of links ends; a folder listing lists each folder once
+// too, so a link back to a start folder, to an ancestor or to a folder listed
+// already is left out. What cannot be read, or vanishes meanwhile, is left
+// out and the scan goes on.
+//
+// The host's pending-events handler runs before each subfolder; a
+// velt::Error it throws is left out like a failing step, anything else stops
+// the scan: Run returns what was found so far and Interruption() holds the
+// exception for the caller to rethrow.
 class TreeScan {
  public:
   enum class Listing {
@@ -53,6 +60,8 @@ class TreeScan {
   // Scans below the start folders (the items of the search path) and returns
   // what it found, never nothing.
   std::shared_ptr<sf_Information> Run(const std::vector<std::string>& startFolders);
+  // What stopped the last Run early, or nothing.
+  std::exception_ptr Interruption() const { return interruption_; }
 
  private:
   struct Folder;
@@ -61,6 +70,7 @@ class TreeScan {
   struct Candidate;
   class FileCollector;
 
+  bool runPendingEvents();
   void openStartFolders(const std::vector<std::string>& startFolders, Frame& frame);
   void list(Frame& frame);
   void read(Frame& frame, uint32_t folder);
@@ -90,6 +100,8 @@ class TreeScan {
   ResultMaker maker_;
   std::shared_ptr<sf_Information> results_;
   IdentitySet entered_;
+  IdentitySet listed_;  // for a folder listing: the start folders and every folder listed
+  std::exception_ptr interruption_;
   std::vector<Frame> frames_;
   // Frames 1 .. firstOpen_-1 have their folder closed; the ones from here
   // up are open. The start frame stays open.
