@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     auto system = std::make_shared<velt::HeadlessWindowSystem>();
     std::unique_ptr<velt::Form> form = file.CreateForm(system, types);
-    const velt::FormFile captured = velt::FormFile::Capture(*form);
+    const velt::FormFile captured = velt::FormFile::Capture(*form, types);
     velt::FormFile::Parse(captured.ToJsonText(), "/nonexistent/again.json", types);
   } catch (const velt::Error&) {
   }

@@ -89,7 +89,8 @@ int RunCommand::runHeadless(const RunOptions& options, const FormFile& file) {
   if (options.Out) session.WritePng(*options.Out);
   if (options.Save) {
     session.DropHelpers();
-    FormFile::Capture(session.HostForm(), file.ImageLists).Save(*options.Save);
+    FormFile::Capture(session.HostForm(), ControlRegistry::Standard(), file.ImageLists)
+        .Save(*options.Save);
   }
   return kOk;
 }
@@ -110,7 +111,8 @@ int RunCommand::runWindow(const RunOptions& options, const FormFile& file) {
   if (options.Events) events = std::make_unique<FormEvents>(*form, out());
   system->Run();
   if (options.Out) WriteWindowShot(*system, *options.Out);
-  if (options.Save) FormFile::Capture(*form, file.ImageLists).Save(*options.Save);
+  if (options.Save)
+    FormFile::Capture(*form, ControlRegistry::Standard(), file.ImageLists).Save(*options.Save);
   return kOk;
 }
 

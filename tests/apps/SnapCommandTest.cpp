@@ -122,6 +122,7 @@ class SnapCommandTest : public ::testing::Test {
   ~SnapCommandTest() override { fs::remove_all(dir); }
 
   int run(std::vector<std::string> arguments, const std::string& script = "") {
+    in.clear();
     in.str(script);
     SnapCommand command(out, err, in);
     return command.Run(arguments);

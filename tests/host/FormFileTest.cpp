@@ -22,6 +22,8 @@
 #include "support/HeadlessForm.hpp"
 #include "velt/controls/ControlRegistry.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
+#include "velt/controls/lists/veltListbox.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/text/veltLabel.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -103,7 +105,15 @@ constexpr const char* kShowcase = R"({
      "properties": {"Max": 20, "Value": 15, "TickStyle": 2}},
     {"type": "veltLabel", "name": "note", "left": 10, "top": 60, "width": 200, "height": 40,
      "properties": {"Caption": "Line one and two", "TextWrap": true, "Hyperlink": "x:y",
-                    "ImageList": {"Ref": "Icons"}, "ImageIndex": 1}}
+                    "ImageList": {"Ref": "Icons"}, "ImageIndex": 1}},
+    {"type": "veltListbox", "name": "list", "left": 10, "top": 100, "width": 150, "height": 90,
+     "properties": {"SelectedItem": 2}, "sorted": true, "valueFont": true,
+     "items": [{"key": "b", "caption": "Beta", "value": "DejaVu Sans", "icon": 2},
+               {"key": "a", "caption": "alpha", "comment": "first"}]},
+    {"type": "veltPUMenu", "name": "menu", "left": 200, "top": 10, "width": 47, "height": 47,
+     "items": [{"key": "t", "caption": "Title", "itemType": 4},
+               {"caption": "Off", "icon": -3, "enabled": false, "child": "c", "group": "g",
+                "checked": true, "bold": true}]}
   ]
 })";
 
@@ -120,7 +130,8 @@ TEST_F(FormFileTest, ReadingCreatesTheFormAndSavingWritesItAndItsPicturesBackThe
   Names order;
   for (Site* site : form->Sites())
     order.push_back(site->Name() + ":" + site->Control()->ClassName());
-  EXPECT_EQ(order, (Names{"ok:veltButton", "volume:veltSlider", "note:veltLabel"}));
+  EXPECT_EQ(order, (Names{"ok:veltButton", "volume:veltSlider", "note:veltLabel",
+                          "list:veltListbox", "menu:veltPUMenu"}));
   EXPECT_EQ(form->FindSite("volume")->Bounds(), (RectL{10, 10, 160, 35}));
   auto ok = control<veltButton>(*form, "ok");
   EXPECT_EQ(ok->Caption(), "OK");
@@ -133,7 +144,7 @@ TEST_F(FormFileTest, ReadingCreatesTheFormAndSavingWritesItAndItsPicturesBackThe
   const fs::path saved = folder / "out" / "saved.json";
   fs::create_directories(saved.parent_path());
   std::ofstream(saved) << "old content";
-  FormFile::Capture(*form, first.ImageLists).Save(saved.string());
+  FormFile::Capture(*form, ControlRegistry::Standard(), first.ImageLists).Save(saved.string());
   EXPECT_EQ(filesIn(folder / "out"), (Names{"icons/blue.png", "icons/red.png", "saved.json"}));
   EXPECT_EQ(Png::Read((folder / "out/icons/red.png").string())->Pixel(0, 0), 0xFFFF0000u);
   const FormFile second = load(saved);
@@ -158,8 +169,29 @@ TEST_F(FormFileTest, ReadingCreatesTheFormAndSavingWritesItAndItsPicturesBackThe
   }
   EXPECT_EQ(second.ImageLists.at(0).Files, (Names{"icons/red.png", "icons/blue.png"}));
   const fs::path resaved = folder / "out" / "resaved.json";
-  FormFile::Capture(*create(second), second.ImageLists).Save(resaved.string());
+  std::unique_ptr<Form> again = create(second);
+  FormFile::Capture(*again, ControlRegistry::Standard(), second.ImageLists).Save(resaved.string());
   EXPECT_EQ(readText(resaved), readText(saved));
+
+  // Items come back: the list sorted as it was filled, every menu field kept.
+  const auto list = control<veltListbox>(*again, "list");
+  ASSERT_EQ(list->ListboxItems.Count(), 2);
+  EXPECT_TRUE(list->ListboxItems.Sorted());
+  EXPECT_TRUE(list->ValueFont);
+  const auto alpha = list->ListboxItems.Item(int16_t{1});
+  EXPECT_EQ(alpha->Key() + alpha->Caption() + alpha->Comment(), "aalphafirst");
+  const auto beta = list->ListboxItems.Item(int16_t{2});
+  EXPECT_EQ(beta->Value() + std::to_string(beta->Icon()), "DejaVu Sans2");
+  const auto& menuItems = *control<veltPUMenu>(*again, "menu")->MenuItem;
+  ASSERT_EQ(menuItems.Count(), 2);
+  EXPECT_EQ(menuItems.Item(int16_t{1})->ItemType(), itTitle);
+  EXPECT_TRUE(menuItems.Item(int16_t{1})->Enabled());
+  const auto off = menuItems.Item(int16_t{2});
+  EXPECT_EQ(off->Key() + off->Caption() + off->Child() + off->Group(), "Offcg");
+  EXPECT_EQ(off->Icon(), -3);
+  EXPECT_FALSE(off->Enabled());
+  EXPECT_EQ(off->ItemType(), itNormal);
+  EXPECT_TRUE(off->Checked() && off->Bold());
 }
 
 // Lists made in code get names and picture files of their own; a form holding
@@ -171,7 +203,7 @@ TEST_F(FormFileTest, FormsMadeInCodeNameTheirImageListsOrWriteNothing) {
   hf.form.Add<veltButton>("go", 5, 5, 100, 30)->ImageList(list);
   hf.form.Add<veltButton>("plain", 5, 45, 100, 30);
   const fs::path path = folder / "made.json";
-  FormFile::Capture(hf.form).Save(path.string());
+  FormFile::Capture(hf.form, ControlRegistry::Standard()).Save(path.string());
   EXPECT_TRUE(fs::exists(folder / "made-ImageList1-1.png"));
   const FormFile loaded = load(path);
   ASSERT_EQ(loaded.ImageLists.size(), 1u);
@@ -184,22 +216,28 @@ TEST_F(FormFileTest, FormsMadeInCodeNameTheirImageListsOrWriteNothing) {
 
   const std::string saved = readText(path);
   hf.form.Add<veltLabel>("pointer", 0, 0, 100, 20)->MouseIcon(square(0xFF123456));
-  const std::string message =
-      test::errorOf(errObjectNotSet, [&] { FormFile::Capture(hf.form).Save(path.string()); });
+  const std::string message = test::errorOf(errObjectNotSet, [&] {
+    FormFile::Capture(hf.form, ControlRegistry::Standard()).Save(path.string());
+  });
   EXPECT_NE(message.find("/controls/2/properties"), std::string::npos) << message;
   EXPECT_EQ(readText(path), saved);
   EXPECT_EQ(filesIn(folder),
             (Names{"icons/blue.png", "icons/red.png", "made-ImageList1-1.png", "made.json"}));
 }
 
+// The second control has the properties and, after them, further keys.
 std::string withControl(const std::string& properties, const std::string& type = "veltButton",
-                        const std::string& name = "b") {
+                        const std::string& name = "b", const std::string& keys = "") {
   return R"({"version": 1, "width": 100, "height": 100, "controls": [
     {"type": "veltButton", "name": "first", "left": 0, "top": 0, "width": 10, "height": 10},
     {"type": ")" +
          type + R"(", "name": ")" + name + R"(", "left": 0, "top": 0, "width": 9, "height": 9,
      "properties": {)" +
-         properties + "}}]}";
+         properties + "}" + (keys.empty() ? "" : ", " + keys) + "}]}";
+}
+
+std::string withItems(const std::string& type, const std::string& keys) {
+  return withControl("", type, "c", keys);
 }
 
 std::string withImage(const std::string& file) {
@@ -268,6 +306,26 @@ TEST_F(FormFileTest, EveryMistakeNamesTheFileThePathAndWhatWasExpected) {
        "/controls/1/properties/ForeColor", "0..4294967295"},
       {withControl(R"("ForeColor": 2.5)"), errInvalidPropertyValue,
        "/controls/1/properties/ForeColor", "0..4294967295"},
+      // Items: only for a type that owns a collection, every field checked,
+      // and what the collection refuses found while checking.
+      {withItems("veltButton", R"("items": [])"), errInvalidProcedureCall, "/controls/1/items",
+       "veltButton owns no collection of items"},
+      {withItems("veltButton", R"("sorted": true)"), errInvalidProcedureCall, "/controls/1/sorted",
+       "unknown key"},
+      {withItems("veltListbox", R"("items": {})"), errTypeMismatch, "/controls/1/items",
+       "expected an array of items"},
+      {withItems("veltListbox", R"("sorted": 1)"), errTypeMismatch, "/controls/1/sorted",
+       "expected true or false"},
+      {withItems("veltListbox", R"("items": [{"key": "a"}, {"caption": 5}])"), errTypeMismatch,
+       "/controls/1/items/1/caption", "expected text"},
+      {withItems("veltListbox", R"("items": [{"Caption": "x"}])"), errInvalidProcedureCall,
+       "/controls/1/items/0/Caption", "unknown key"},
+      {withItems("veltListbox", R"("items": [{"key": "a"}, {"key": "A"}])"), errKeyAlreadyExists,
+       "/controls/1/items/1", "\"A\""},
+      {withItems("veltPUMenu", R"("items": [{"itemType": 5}])"), errInvalidPropertyValue,
+       "/controls/1/items/0/itemType", "1..4"},
+      {withItems("veltPUMenu", R"("items": [{"icon": 32768}])"), errInvalidPropertyValue,
+       "/controls/1/items/0/icon", "-32768..32767"},
   };
   for (const auto& bad : cases) {
     SCOPED_TRACE(bad.json);

@@ -23,11 +23,12 @@ bool ControlClass::NamesMatch(std::string_view a, std::string_view b) {
 }
 
 ControlClass::ControlClass(std::string name, SizeL defaultSize, Factory factory,
-                           std::vector<Property> properties)
+                           std::vector<Property> properties, std::optional<Collection> collection)
     : name_(std::move(name)),
       defaultSize_(defaultSize),
       factory_(std::move(factory)),
-      properties_(std::move(properties)) {}
+      properties_(std::move(properties)),
+      collection_(std::move(collection)) {}
 
 std::shared_ptr<UserControl> ControlClass::Create() const {
   if (!factory_)

@@ -2,11 +2,14 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "velt/host/FormFile.hpp"
 #include "velt/platform/Geometry.hpp"
+#include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Variant.hpp"
 
 namespace velt {
@@ -18,7 +21,9 @@ class UserControl;
 // the control's own getter and setter (so setting one repaints and reports the
 // change exactly as calling the setter does). Property names match in any
 // letter case. A class without a factory is internal: a part other controls
-// build themselves from, never created on its own.
+// build themselves from, never created on its own. A class that owns a
+// collection (a menu's items, a list's entries) says how to fill it and read
+// it back, entry by entry, each a property bag keyed by field name.
 class ControlClass {
  public:
   struct Property {
@@ -27,10 +32,19 @@ class ControlClass {
     std::function<Variant(const UserControl&)> Get;
     std::function<void(UserControl&, const Variant&)> Set;
   };
+  struct Collection {
+    FormFile::ControlTypes::ItemsInfo Info;
+    // A field left out of a record takes its default; settings come first.
+    std::function<void(UserControl&, const PropertyBag&)> ApplySettings;
+    std::function<void(UserControl&, const PropertyBag&)> Add;
+    // Fields at their default are left out.
+    std::function<PropertyBag(const UserControl&)> Settings;
+    std::function<std::vector<PropertyBag>(const UserControl&)> Items;
+  };
   using Factory = std::function<std::shared_ptr<UserControl>()>;
 
   ControlClass(std::string name, SizeL defaultSize, Factory factory,
-               std::vector<Property> properties);
+               std::vector<Property> properties, std::optional<Collection> collection = {});
 
   // Class and property names compare this way: ASCII letters in any case.
   static bool NamesMatch(std::string_view a, std::string_view b);
@@ -42,6 +56,8 @@ class ControlClass {
   std::shared_ptr<UserControl> Create() const;
 
   const std::vector<Property>& Properties() const { return properties_; }
+  // nullptr when the class owns no collection.
+  const Collection* Items() const { return collection_ ? &*collection_ : nullptr; }
   const Property* FindProperty(std::string_view name) const;  // nullptr when unknown
   // Error 5 naming the class and the property when it has no such property.
   const Property& PropertyNamed(std::string_view name) const;
@@ -62,6 +78,7 @@ class ControlClass {
   SizeL defaultSize_;
   Factory factory_;
   std::vector<Property> properties_;
+  std::optional<Collection> collection_;
 };
 
 }  // namespace velt

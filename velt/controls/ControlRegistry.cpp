@@ -6,6 +6,7 @@
 #include "velt/controls/buttons/veltXButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
+#include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
 #include "velt/controls/range/veltScrollBar.hpp"
@@ -172,6 +173,132 @@ ControlClass scrollBarClass() {
        color<S>("ForeColor", &S::ForeColor, &S::ForeColor)});
 }
 
+// ---- Collections --------------------------------------------------------------
+
+using ItemField = FormFile::ControlTypes::ItemField;
+
+ItemField textField(const char* name) {
+  return ItemField{name, VariantType::String};
+}
+
+ItemField booleanField(const char* name) {
+  return ItemField{name, VariantType::Boolean};
+}
+
+ItemField iconField() {
+  return ItemField{"icon", VariantType::Integer, INT16_MIN, INT16_MAX};
+}
+
+std::string textOf(const PropertyBag& record, const char* name) {
+  return record.ReadProperty(name, Variant(std::string())).ToString();
+}
+
+bool booleanOf(const PropertyBag& record, const char* name, bool absent = false) {
+  return record.ReadProperty(name, Variant(absent)).ToBoolean();
+}
+
+int16_t iconOf(const PropertyBag& record) {
+  return record.ReadProperty("icon", Variant(int16_t{0})).ToInteger();
+}
+
+void writeText(PropertyBag& record, const char* name, const std::string& value) {
+  record.WriteProperty(name, Variant(value), Variant(std::string()));
+}
+
+void writeBoolean(PropertyBag& record, const char* name, bool value, bool absent = false) {
+  record.WriteProperty(name, Variant(value), Variant(absent));
+}
+
+void writeIcon(PropertyBag& record, int16_t icon) {
+  record.WriteProperty("icon", Variant(icon), Variant(int16_t{0}));
+}
+
+// The menu's MenuItem, in the order and with the defaults of MenuItems::Add.
+ControlClass::Collection menuItems() {
+  using M = veltPUMenu;
+  ControlClass::Collection items;
+  items.Info.Fields = {textField("key"),
+                       textField("caption"),
+                       iconField(),
+                       booleanField("enabled"),
+                       textField("child"),
+                       textField("group"),
+                       ItemField{"itemType", VariantType::Long, itNormal, itTitle},
+                       booleanField("checked"),
+                       booleanField("bold")};
+  items.ApplySettings = [](UserControl&, const PropertyBag&) {};
+  items.Add = [](UserControl& control, const PropertyBag& item) {
+    M& menu = controlAs<M>(control, "items");
+    if (!menu.MenuItem) menu.MenuItem = std::make_shared<MenuItems>();
+    menu.MenuItem->Add(
+        textOf(item, "key"), textOf(item, "caption"), iconOf(item),
+        booleanOf(item, "enabled", true), textOf(item, "child"), textOf(item, "group"),
+        static_cast<eItemType>(item.ReadProperty("itemType", Variant(int32_t{itNormal})).ToLong()),
+        booleanOf(item, "checked"), booleanOf(item, "bold"));
+  };
+  items.Settings = [](const UserControl&) { return PropertyBag(); };
+  items.Items = [](const UserControl& control) {
+    std::vector<PropertyBag> records;
+    const M& menu = controlAs<M>(control, "items");
+    if (!menu.MenuItem) return records;
+    for (const std::shared_ptr<MenuItem> item : *menu.MenuItem) {
+      PropertyBag& record = records.emplace_back();
+      writeText(record, "key", item->Key());
+      writeText(record, "caption", item->Caption());
+      writeIcon(record, item->Icon());
+      writeBoolean(record, "enabled", item->Enabled(), true);
+      writeText(record, "child", item->Child());
+      writeText(record, "group", item->Group());
+      record.WriteProperty("itemType", Variant(static_cast<int32_t>(item->ItemType())),
+                           Variant(int32_t{itNormal}));
+      writeBoolean(record, "checked", item->Checked());
+      writeBoolean(record, "bold", item->Bold());
+    }
+    return records;
+  };
+  return items;
+}
+
+// The list's ListboxItems, in the order of ComboDatas::Add; Sorted is set
+// before the entries are added, so they are placed by caption as they come.
+ControlClass::Collection listboxItems() {
+  using L = veltListbox;
+  ControlClass::Collection items;
+  items.Info.Fields = {textField("key"), textField("caption"), textField("value"), iconField(),
+                       textField("comment")};
+  items.Info.Settings = {booleanField("sorted"), booleanField("valueFont")};
+  items.ApplySettings = [](UserControl& control, const PropertyBag& settings) {
+    L& list = controlAs<L>(control, "items");
+    list.ListboxItems.Sorted(booleanOf(settings, "sorted"));
+    list.ValueFont = booleanOf(settings, "valueFont");
+  };
+  items.Add = [](UserControl& control, const PropertyBag& item) {
+    controlAs<L>(control, "items")
+        .ListboxItems.Add(textOf(item, "key"), textOf(item, "caption"), textOf(item, "value"),
+                          iconOf(item), textOf(item, "comment"));
+  };
+  items.Settings = [](const UserControl& control) {
+    const L& list = controlAs<L>(control, "items");
+    PropertyBag settings;
+    writeBoolean(settings, "sorted", list.ListboxItems.Sorted());
+    writeBoolean(settings, "valueFont", list.ValueFont);
+    return settings;
+  };
+  items.Items = [](const UserControl& control) {
+    std::vector<PropertyBag> records;
+    for (const std::shared_ptr<ComboData> entry : controlAs<L>(control, "items").ListboxItems) {
+      PropertyBag& record = records.emplace_back();
+      writeText(record, "key", entry->Key());
+      writeText(record, "caption", entry->Caption());
+      writeText(record, "value", entry->Value());
+      writeIcon(record, entry->Icon());
+      writeText(record, "comment", entry->Comment());
+    }
+    return records;
+  };
+  return items;
+}
+
 // On its form the menu is a fixed-size anchor that draws nothing; its face is
 // the pop-up window CreateMenu opens.
 ControlClass popupMenuClass() {
@@ -182,7 +309,8 @@ ControlClass popupMenuClass() {
       {color<M>("BackColor", &M::BackColor, &M::BackColor),
        color<M>("ForeColor", &M::ForeColor, &M::ForeColor), font<M>("Font", &M::Font, &M::Font),
        imageList<M>("ImageList", &M::ImageList, &M::ImageList),
-       color<M>("SelectionColor", &M::SelectionColor, &M::SelectionColor)});
+       color<M>("SelectionColor", &M::SelectionColor, &M::SelectionColor)},
+      menuItems());
 }
 
 ControlClass sliderClass() {
@@ -232,7 +360,8 @@ ControlClass listboxClass() {
        color<L>("SelectionColor", &L::SelectionColor, &L::SelectionColor),
        imageList<L>("ImageList", &L::ImageList, &L::ImageList),
        integer<L>("SelectedItem", &L::SelectedItem, &L::SelectedItem),
-       boolean<L>("HoverSelect", &L::HoverSelect, &L::HoverSelect)});
+       boolean<L>("HoverSelect", &L::HoverSelect, &L::HoverSelect)},
+      listboxItems());
 }
 
 ControlClass tabClass() {
@@ -288,6 +417,36 @@ std::optional<FormFile::ControlTypes::PropertyInfo> ControlRegistry::FindPropert
   const ControlClass::Property* found = controlClass->FindProperty(property);
   if (!found) return std::nullopt;
   return PropertyInfo{found->Name, found->Type};
+}
+
+std::optional<FormFile::ControlTypes::ItemsInfo> ControlRegistry::FindItems(
+    std::string_view type) const {
+  const ControlClass* controlClass = Find(type);
+  if (!controlClass || !controlClass->Items()) return std::nullopt;
+  return controlClass->Items()->Info;
+}
+
+const ControlClass::Collection& ControlRegistry::collectionOf(const UserControl& control) const {
+  const ControlClass& controlClass = ClassOf(control);
+  if (!controlClass.Items())
+    throw Error(errInvalidProcedureCall, controlClass.Name() + " owns no collection of items");
+  return *controlClass.Items();
+}
+
+void ControlRegistry::ApplyItemSettings(UserControl& control, const PropertyBag& settings) const {
+  collectionOf(control).ApplySettings(control, settings);
+}
+
+void ControlRegistry::AddItem(UserControl& control, const PropertyBag& item) const {
+  collectionOf(control).Add(control, item);
+}
+
+PropertyBag ControlRegistry::ItemSettings(const UserControl& control) const {
+  return collectionOf(control).Settings(control);
+}
+
+std::vector<PropertyBag> ControlRegistry::Items(const UserControl& control) const {
+  return collectionOf(control).Items(control);
 }
 
 }  // namespace velt

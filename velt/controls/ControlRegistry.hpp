@@ -37,8 +37,16 @@ class ControlRegistry : public FormFile::ControlTypes {
   std::shared_ptr<UserControl> CreateControl(std::string_view type) const override;
   std::optional<PropertyInfo> FindProperty(std::string_view type,
                                            std::string_view property) const override;
+  std::optional<ItemsInfo> FindItems(std::string_view type) const override;
+  void ApplyItemSettings(UserControl& control, const PropertyBag& settings) const override;
+  void AddItem(UserControl& control, const PropertyBag& item) const override;
+  PropertyBag ItemSettings(const UserControl& control) const override;
+  std::vector<PropertyBag> Items(const UserControl& control) const override;
 
  private:
+  // Error 5 when the control's class owns no collection.
+  const ControlClass::Collection& collectionOf(const UserControl& control) const;
+
   std::vector<ControlClass> classes_;
 };
 

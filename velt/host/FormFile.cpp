@@ -35,6 +35,9 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 constexpr const char* kFontKey = "font";
+constexpr const char* kItemsKey = "items";
+// Collections count their positions in 16 bits.
+constexpr size_t kMaxItems = 32767;
 constexpr int64_t kMaxPosition = 100'000'000;
 constexpr uint64_t kMaxFormFileBytes = uint64_t{64} << 20;
 // What the pictures of one form file may take, decoded and scaled together:
@@ -101,6 +104,26 @@ std::string fileNamePart(const std::string& text) {
   return result.empty() ? "_" : result;
 }
 
+// An item's fields in the order the control gave them.
+Json itemRecordJson(const PropertyBag& record) {
+  Json object = Json::object();
+  for (const std::string& key : record.Keys()) {
+    const Variant value = record.ReadProperty(key);
+    switch (value.Type()) {
+      case VariantType::Boolean:
+        object[key] = value.ToBoolean();
+        break;
+      case VariantType::Integer:
+      case VariantType::Long:
+        object[key] = value.ToLong();
+        break;
+      default:
+        object[key] = value.ToString();
+    }
+  }
+  return object;
+}
+
 void writeText(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
@@ -147,6 +170,8 @@ class Reader {
 
  private:
   using Pointer = std::vector<std::string>;
+  using ItemField = FormFile::ControlTypes::ItemField;
+  using ItemsInfo = FormFile::ControlTypes::ItemsInfo;
 
   [[noreturn]] void fail(int32_t number, const Pointer& at, const std::string& problem) const {
     throw Error(number, path_ + ": " + FormFile::JsonPointer(at) + ": " + problem);
@@ -333,7 +358,7 @@ class Reader {
     const uint64_t pixels = scaling ? uint64_t(width) * uint64_t(height) : 0;
     if (pixels > kMaxPicturePixels - usedPixels_)
       throw Error(errInvalidPicture, "the pictures of the form file take more than " +
-                                      std::to_string(kMaxPicturePixels) + " pixels");
+                                         std::to_string(kMaxPicturePixels) + " pixels");
     const std::shared_ptr<ListImage> item = list.ListImages().Add(decoded, key);
     usedPixels_ += pixels;
     if (known) scaled_[sized] = item->Picture();
@@ -351,7 +376,8 @@ class Reader {
   }
 
   void readControl(const Json& control, const Pointer& at) {
-    checkObject(control, at, kControlKeys, "a control object");
+    if (!control.is_object())
+      fail(errTypeMismatch, at, "expected a control object, found " + kindOf(control));
     FormFile::ControlEntry entry;
     const std::string type = text(require(control, at, "type"), child(at, "type"), false);
     std::shared_ptr<UserControl> made;
@@ -361,6 +387,8 @@ class Reader {
       fail(error.Number(), child(at, "type"), "unknown control type: " + error.Description());
     }
     entry.Type = made->ClassName();
+    const std::optional<ItemsInfo> items = types_.FindItems(entry.Type);
+    checkControlKeys(control, at, entry.Type, items);
     entry.Name = text(require(control, at, "name"), child(at, "name"), false);
     if (!controlNames_.insert(entry.Name).second)
       fail(errKeyAlreadyExists, child(at, "name"),
@@ -374,7 +402,81 @@ class Reader {
     if (const Json* properties = find(control, "properties")) {
       entry.Properties = readProperties(*properties, child(at, "properties"), entry.Type);
     }
+    if (items) readItems(control, at, *items, *made, entry);
     file_.Controls.push_back(std::move(entry));
+  }
+
+  // A type that owns a collection also takes "items" and the collection's
+  // settings.
+  void checkControlKeys(const Json& control, const Pointer& at, const std::string& type,
+                        const std::optional<ItemsInfo>& items) const {
+    std::vector<std::string> keys = kControlKeys;
+    if (items) {
+      keys.push_back(kItemsKey);
+      for (const ItemField& setting : items->Settings)
+        keys.push_back(setting.Name);
+    } else if (find(control, kItemsKey)) {
+      fail(errInvalidProcedureCall, child(at, kItemsKey), type + " owns no collection of items");
+    }
+    checkObject(control, at, keys, "a control object");
+  }
+
+  // The entries are added to the control made for checking, so what the
+  // collection itself refuses (a key used twice) is found before anything is
+  // created.
+  void readItems(const Json& control, const Pointer& at, const ItemsInfo& info, UserControl& made,
+                 FormFile::ControlEntry& entry) const {
+    entry.ItemSettings = readItemRecord(control, at, info.Settings);
+    const Pointer itemsAt = child(at, kItemsKey);
+    if (const Json* items = find(control, kItemsKey)) {
+      if (!items->is_array())
+        fail(errTypeMismatch, itemsAt, "expected an array of items, found " + kindOf(*items));
+      if (items->size() > kMaxItems)
+        fail(errOverflow, itemsAt,
+             "more than " + std::to_string(kMaxItems) + " items (" + std::to_string(items->size()) +
+                 ")");
+      std::vector<std::string> names;
+      for (const ItemField& field : info.Fields)
+        names.push_back(field.Name);
+      for (size_t i = 0; i < items->size(); ++i) {
+        checkObject((*items)[i], child(itemsAt, i), names, "an item object");
+        entry.Items.push_back(readItemRecord((*items)[i], child(itemsAt, i), info.Fields));
+      }
+    }
+    try {
+      types_.ApplyItemSettings(made, entry.ItemSettings);
+    } catch (const Error& error) {
+      fail(error.Number(), at, error.Description());
+    }
+    for (size_t i = 0; i < entry.Items.size(); ++i) {
+      try {
+        types_.AddItem(made, entry.Items[i]);
+      } catch (const Error& error) {
+        fail(error.Number(), child(itemsAt, i), error.Description());
+      }
+    }
+  }
+
+  PropertyBag readItemRecord(const Json& object, const Pointer& at,
+                             const std::vector<ItemField>& fields) const {
+    PropertyBag record;
+    for (const ItemField& field : fields)
+      if (const Json* value = find(object, field.Name))
+        record.WriteProperty(field.Name, itemValue(*value, child(at, field.Name), field));
+    return record;
+  }
+
+  Variant itemValue(const Json& value, const Pointer& at, const ItemField& field) const {
+    switch (field.Type) {
+      case VariantType::Boolean:
+        return Variant(boolean(value, at));
+      case VariantType::Integer:
+        return Variant(static_cast<int16_t>(number(value, at, field.Low, field.High)));
+      case VariantType::Long:
+        return Variant(static_cast<int32_t>(number(value, at, field.Low, field.High)));
+      default:
+        return Variant(text(value, at, true));
+    }
   }
 
   RectL readBounds(const Json& control, const Pointer& at) const {
@@ -500,8 +602,14 @@ std::unique_ptr<Form> FormFile::CreateForm(std::shared_ptr<WindowSystem> system,
     PropertyBag bag = entry.Properties;
     bindNames(bag);
     try {
-      form->AddControl(types.CreateControl(entry.Type), entry.Name, entry.Bounds.Left,
-                       entry.Bounds.Top, entry.Bounds.Width(), entry.Bounds.Height(), &bag);
+      const std::shared_ptr<UserControl> control = types.CreateControl(entry.Type);
+      form->AddControl(control, entry.Name, entry.Bounds.Left, entry.Bounds.Top,
+                       entry.Bounds.Width(), entry.Bounds.Height(), &bag);
+      if (entry.ItemSettings.Count() != 0 || !entry.Items.empty()) {
+        types.ApplyItemSettings(*control, entry.ItemSettings);
+        for (const PropertyBag& item : entry.Items)
+          types.AddItem(*control, item);
+      }
     } catch (const Error& error) {
       throw Error(error.Number(), (Path.empty() ? std::string("form file") : Path) + ": " +
                                       JsonPointer({"controls", std::to_string(i)}) + ": " +
@@ -517,7 +625,8 @@ std::unique_ptr<Form> FormFile::CreateForm(std::shared_ptr<WindowSystem> system,
   return form;
 }
 
-FormFile FormFile::Capture(Form& form, std::vector<ImageListEntry> imageLists) {
+FormFile FormFile::Capture(Form& form, const ControlTypes& types,
+                           std::vector<ImageListEntry> imageLists) {
   FormFile file;
   file.Caption = form.Name();
   const RectL rect = form.WindowRect();
@@ -532,6 +641,10 @@ FormFile FormFile::Capture(Form& form, std::vector<ImageListEntry> imageLists) {
     entry.Name = site->Name();
     entry.Bounds = site->Bounds();
     form.WriteProperties(*site, entry.Properties);
+    if (types.FindItems(entry.Type)) {
+      entry.ItemSettings = types.ItemSettings(*site->Control());
+      entry.Items = types.Items(*site->Control());
+    }
     for (const std::string& key : entry.Properties.Keys()) {
       const Variant value = entry.Properties.ReadProperty(key);
       if (value.Type() != VariantType::Object) continue;
@@ -622,6 +735,15 @@ std::string FormFile::ToJsonText() const {
                     {"width", entry.Bounds.Width()},
                     {"height", entry.Bounds.Height()}};
     if (!properties.empty()) control["properties"] = std::move(properties);
+    const Json settings = itemRecordJson(entry.ItemSettings);
+    for (const auto& [key, value] : settings.items())
+      control[key] = value;
+    if (!entry.Items.empty()) {
+      Json items = Json::array();
+      for (const PropertyBag& item : entry.Items)
+        items.push_back(itemRecordJson(item));
+      control[kItemsKey] = std::move(items);
+    }
     controls.push_back(std::move(control));
   }
   document["controls"] = std::move(controls);

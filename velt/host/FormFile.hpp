@@ -52,6 +52,30 @@ class FormFile {
     // The property of the type whose name matches in any letter case.
     virtual std::optional<PropertyInfo> FindProperty(std::string_view type,
                                                      std::string_view property) const = 0;
+
+    // A field of each entry of a collection a type owns (a menu's items, a
+    // list's entries), or a setting of the collection itself, written beside
+    // "items" on the control: Boolean, String, or Integer within Low..High.
+    struct ItemField {
+      std::string Name;  // lowerCamelCase, as in the file
+      VariantType Type = VariantType::String;
+      int32_t Low = 0;
+      int32_t High = 0;
+    };
+    struct ItemsInfo {
+      std::vector<ItemField> Fields;
+      std::vector<ItemField> Settings;
+    };
+    // The collection of the type (any letter case); nothing when it owns none.
+    virtual std::optional<ItemsInfo> FindItems(std::string_view type) const = 0;
+    // Records are property bags keyed by field name holding checked values; a
+    // field left out takes its default. Settings are applied before entries
+    // are added; the control's own errors pass through.
+    virtual void ApplyItemSettings(UserControl& control, const PropertyBag& settings) const = 0;
+    virtual void AddItem(UserControl& control, const PropertyBag& item) const = 0;
+    // What the control's collection holds now, fields at their default left out.
+    virtual PropertyBag ItemSettings(const UserControl& control) const = 0;
+    virtual std::vector<PropertyBag> Items(const UserControl& control) const = 0;
   };
 
   struct ImageListEntry {
@@ -67,6 +91,9 @@ class FormFile {
     std::string Name;
     RectL Bounds;  // pixels of the form's client area
     PropertyBag Properties;
+    // For a type that owns a collection: its settings and entries in order.
+    PropertyBag ItemSettings;
+    std::vector<PropertyBag> Items;
   };
 
   // Where the file was read from ("" for one captured from a form); messages
@@ -81,9 +108,10 @@ class FormFile {
   std::vector<ControlEntry> Controls;
 
   // Errors: 53 no such file, 75 unreadable, 13 not JSON or a value of the
-  // wrong kind, 5 an unknown key, control type or property, 380 a number out
-  // of range, 457 a control or image list name used twice, 91 a reference to
-  // no image list, 481 a picture that is no PNG.
+  // wrong kind, 5 an unknown key, control type or property, or items for a
+  // type that owns none, 380 a number out of range, 457 a control, image list
+  // or item key used twice, 91 a reference to no image list, 481 a picture
+  // that is no PNG.
   static FormFile Load(const std::string& path, const ControlTypes& types);
   // The same for text; path names it in messages and locates the pictures.
   static FormFile Parse(std::string_view text, const std::string& path, const ControlTypes& types);
@@ -95,9 +123,11 @@ class FormFile {
                                    const ControlTypes& types) const;
 
   // The form as it is now: every control of the form with the properties its
-  // WriteProperties stores. The image lists given keep their names and files;
-  // others the controls refer to are added as ImageList1, ImageList2, ...
-  static FormFile Capture(Form& form, std::vector<ImageListEntry> imageLists = {});
+  // WriteProperties stores and the collection it owns. The image lists given
+  // keep their names and files; others the controls refer to are added as
+  // ImageList1, ImageList2, ...
+  static FormFile Capture(Form& form, const ControlTypes& types,
+                          std::vector<ImageListEntry> imageLists = {});
 
   // The file's JSON text (nothing is written). Errors for a property that
   // cannot be stored (an object that is no image list).
