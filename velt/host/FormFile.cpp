@@ -738,6 +738,11 @@ std::string FormFile::ToJsonText() const {
     const Json settings = itemRecordJson(entry.ItemSettings);
     for (const auto& [key, value] : settings.items())
       control[key] = value;
+    // Reading refuses more, so they are not written.
+    if (entry.Items.size() > kMaxItems)
+      throw Error(errOverflow, JsonPointer({"controls", std::to_string(i), kItemsKey}) +
+                                   ": more than " + std::to_string(kMaxItems) + " items (" +
+                                   std::to_string(entry.Items.size()) + ")");
     if (!entry.Items.empty()) {
       Json items = Json::array();
       for (const PropertyBag& item : entry.Items)
