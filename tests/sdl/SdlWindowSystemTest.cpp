@@ -262,6 +262,9 @@ TEST_F(SdlWindowSystemTest, TheWheelReachesTheControlUnderThePointer) {
                   .y = 1,
                   .direction = SDL_MOUSEWHEEL_FLIPPED}});
   system->DoEvents();
+  // The shown form focuses its first control whenever the X server reports
+  // the window shown: that may fall anywhere in this sequence.
+  std::erase(probe->calls, "EnterFocus");
   EXPECT_EQ(probe->calls,
             (Calls{"MouseMove 0 0 10 15", "MouseWheel 2 0 10 15", "MouseWheel -1 0 10 15"}));
 }
