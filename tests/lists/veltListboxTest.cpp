@@ -137,7 +137,8 @@ TEST(ListboxLayoutTest, ShortensOneCharacterAPassUntilStrictlyNarrower) {
   }
   // Letters with a combining accent lose the accent together with its letter.
   std::string accents;
-  for (int i = 0; i < 20; ++i) accents += "e\xCC\x81";
+  for (int i = 0; i < 20; ++i)
+    accents += "e\xCC\x81";
   const std::string cut = ListboxShortened(canvas, accents, canvas.TextWidth(accents) / 2);
   EXPECT_EQ(Right(cut, 3), "...");
   EXPECT_EQ((Len(cut) - 3) % 2, 0) << cut;

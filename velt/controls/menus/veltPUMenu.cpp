@@ -142,8 +142,7 @@ void veltPUMenu::siteWindow(ControlHost& host) {
       [this](int16_t, int16_t, float, float y) { onWindowMouseMove(y); });
   windowClick_ = window_->Click.connect([this] { onWindowClick(); });
   windowLostFocus_ = window_->LostFocus.connect([this] { onWindowLostFocus(); });
-  windowWheel_ =
-      window_->MouseWheel.connect([this](int16_t notches) { onWindowWheel(notches); });
+  windowWheel_ = window_->MouseWheel.connect([this](int16_t notches) { onWindowWheel(notches); });
   windowMouseDown_ =
       window_->MouseDown.connect([this](int16_t, int16_t, float, float y) { pointerY_ = y; });
   windowKeyDown_ =
