@@ -58,8 +58,9 @@ std::string firstLine(const std::string& command) {
 }
 
 // Runs step until the condition holds, for ten seconds at most.
-bool waitUntil(const std::function<bool()>& condition, const std::function<void()>& step = {}) {
-  const auto deadline = Clock::now() + std::chrono::seconds(10);
+bool waitUntil(const std::function<bool()>& condition, const std::function<void()>& step = {},
+               std::chrono::seconds patience = std::chrono::seconds(10)) {
+  const auto deadline = Clock::now() + patience;
   while (Clock::now() < deadline) {
     if (step) step();
     if (condition()) return true;
@@ -240,10 +241,15 @@ TEST_F(GuiTest, VeltRunShowsAnExampleWhoseEventsItPrintsAndWhosePictureMatchesHe
                             .c_str()),
             0);
   std::string window;
-  ASSERT_TRUE(waitUntil([&] {
-    window = firstLine("xdotool search --onlyvisible --name '^velt button example$'");
-    return !window.empty();
-  })) << "the window did not appear";
+  // A program started cold on a busy machine (a sanitizer build, say) may
+  // take a while to map its window.
+  ASSERT_TRUE(waitUntil(
+      [&] {
+        window = firstLine("xdotool search --onlyvisible --name '^velt button example$'");
+        return !window.empty();
+      },
+      {}, std::chrono::seconds(30)))
+      << "the window did not appear; the tool printed: " << contents(printed);
   const std::string velt = firstLine("xdotool getwindowpid " + window);
   ASSERT_FALSE(velt.empty()) << "the window names no process";
   auto printedHas = [&](const std::string& text) {
