@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -151,6 +152,35 @@ TEST(CanvasEraseTest, ARecordedEraseDrawsLikeAnImmediateOne) {
     const std::vector<uint32_t> lazyImage(view.Pixels(), view.Pixels() + 23 * 17);
     const std::vector<uint32_t> eagerImage(eager.Pixels(), eager.Pixels() + 23 * 17);
     ASSERT_EQ(lazyImage, eagerImage) << "seed " << seed;
+  }
+}
+
+// Runs of opaque and clear pixels go four at a time, the rest by the formula:
+// every pixel must come out as if blended on its own, at every offset.
+TEST(CanvasPictureTest, BlendedPicturesMatchThePerPixelFormula) {
+  std::mt19937 random(7);
+  std::vector<uint32_t> argb(23 * 3);
+  for (uint32_t& pixel : argb) {
+    const uint32_t kinds[] = {0xFF, 0xFF, 0, 0, static_cast<uint32_t>(random() & 0xFF)};
+    pixel = kinds[random() % 5] << 24 | static_cast<uint32_t>(random() & 0xFFFFFF);
+  }
+  const Picture picture(23, 3, argb);
+  for (int32_t x : {-5, 0, 3}) {
+    Canvas canvas(24, 3);
+    canvas.BackColor(RGB(0x40, 0x80, 0xC0));
+    canvas.DrawPicture(picture, x, 0);
+    for (int32_t y = 0; y < 3; ++y) {
+      for (int32_t px = std::max(0, x); px < 24 && px - x < 23; ++px) {
+        const uint32_t src = argb[y * 23 + (px - x)];
+        const uint32_t alpha = src >> 24;
+        uint32_t want = 0;
+        for (int shift = 0; shift <= 16; shift += 8) {
+          const uint32_t d = (0x4080C0u >> shift) & 0xFF;  // the back colour as a pixel
+          want |= (((src >> shift) & 0xFF) * alpha + d * (255 - alpha) + 127) / 255 << shift;
+        }
+        ASSERT_EQ(canvas.PixelRGB(px, y), want) << "x " << x << " at " << px << "," << y;
+      }
+    }
   }
 }
 
