@@ -89,6 +89,7 @@ TEST_F(IconThemeTest, FindsTheNearestSizeThroughTheChain) {
   };
   for (const auto& [name, size, expected] : cases)
     EXPECT_EQ(relative(theme.Lookup(name, size)), expected) << name << " at " << size;
+  EXPECT_EQ(theme.Lookup("one-two-three", 32, false), "");
   EXPECT_EQ(theme.Chain(), (std::vector<std::string>{"Test", "Parent", "hicolor"}));
 }
 

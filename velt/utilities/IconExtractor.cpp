@@ -112,14 +112,15 @@ std::shared_ptr<const Picture> fromFile(const std::string& path, int32_t index, 
       .picture;
 }
 
-std::shared_ptr<const Picture> fromTheme(const std::string& name, int32_t side) {
-  const std::string path = IconTheme::Current()->Lookup(name, side);
+std::shared_ptr<const Picture> fromTheme(const std::string& name, int32_t side,
+                                         bool shortened = true) {
+  const std::string path = IconTheme::Current()->Lookup(name, side, shortened);
   return path.empty() ? nullptr : fromFile(path, 0, side);
 }
 
 std::shared_ptr<const Picture> fromStock(int32_t index, int32_t side) {
   for (const std::string& name : StockIcons::ThemeNames(index))
-    if (auto picture = fromTheme(name, side)) return picture;
+    if (auto picture = fromTheme(name, side, false)) return picture;
   return StockIcons::Drawn(index, side);
 }
 

@@ -268,17 +268,17 @@ std::string IconTheme::lookupOnce(const std::string& name, int32_t size) const {
   return "";
 }
 
-std::string IconTheme::Lookup(const std::string& name, int32_t size) {
+std::string IconTheme::Lookup(const std::string& name, int32_t size, bool shortened) {
   if (!usableName(name)) return "";
   std::lock_guard lock(mutex_);
   if (!loaded_) loadChain();
-  const auto key = std::make_pair(name, size);
+  const auto key = std::make_tuple(name, size, shortened);
   if (const auto answer = answers_.find(key); answer != answers_.end()) return answer->second;
   std::string candidate = name, path;
   while (path.empty() && !candidate.empty()) {
     path = lookupOnce(candidate, size);
     const auto dash = candidate.rfind('-');
-    candidate = dash == std::string::npos ? "" : candidate.substr(0, dash);
+    candidate = dash == std::string::npos || !shortened ? "" : candidate.substr(0, dash);
   }
   if (answers_.size() >= kMaxAnswers) answers_.clear();
   answers_.emplace(key, path);

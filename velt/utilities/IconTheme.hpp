@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -41,7 +42,8 @@ class IconTheme {
   explicit IconTheme(Locations locations);
 
   // The file of the icon nearest `size` pixels; "" when there is none.
-  std::string Lookup(const std::string& name, int32_t size);
+  // Without `shortened` only the name itself is looked up.
+  std::string Lookup(const std::string& name, int32_t size, bool shortened = true);
 
   // The chain of theme names searched, in order.
   std::vector<std::string> Chain();
@@ -87,7 +89,7 @@ class IconTheme {
   std::mutex mutex_;
   bool loaded_ = false;
   std::vector<Theme> chain_;
-  std::map<std::pair<std::string, int32_t>, std::string> answers_;
+  std::map<std::tuple<std::string, int32_t, bool>, std::string> answers_;
 };
 
 }  // namespace velt
