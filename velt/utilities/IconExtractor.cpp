@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <tuple>
+#include <utility>
 
 #include "velt/foundation/SystemRoutines.hpp"
 #include "velt/platform/Error.hpp"
@@ -68,14 +69,31 @@ class DecodedIcons {
     entries_.emplace(key, decoded);
     return decoded;
   }
+  // Icon-theme files by path alone: the theme's folders are read once per
+  // process, so their files are taken as they were then, without a stat.
+  template <typename Make>
+  std::shared_ptr<const Picture> GetThemed(const std::string& path, int32_t side, Make make) {
+    const auto key = std::make_pair(path, side);
+    {
+      std::lock_guard lock(mutex_);
+      if (const auto found = themed_.find(key); found != themed_.end()) return found->second;
+    }
+    auto picture = make();
+    std::lock_guard lock(mutex_);
+    if (themed_.size() >= kMaxCached) themed_.clear();
+    themed_.emplace(key, picture);
+    return picture;
+  }
   void Clear() {
     std::lock_guard lock(mutex_);
     entries_.clear();
+    themed_.clear();
   }
 
  private:
   std::mutex mutex_;
   std::map<FileKey, Decoded> entries_;
+  std::map<std::pair<std::string, int32_t>, std::shared_ptr<const Picture>> themed_;
 };
 
 DecodedIcons& decodedIcons() {
@@ -115,7 +133,8 @@ std::shared_ptr<const Picture> fromFile(const std::string& path, int32_t index, 
 std::shared_ptr<const Picture> fromTheme(const std::string& name, int32_t side,
                                          bool shortened = true) {
   const std::string path = IconTheme::Current()->Lookup(name, side, shortened);
-  return path.empty() ? nullptr : fromFile(path, 0, side);
+  if (path.empty()) return nullptr;
+  return decodedIcons().GetThemed(path, side, [&] { return fromFile(path, 0, side); });
 }
 
 std::shared_ptr<const Picture> fromStock(int32_t index, int32_t side) {

@@ -48,17 +48,25 @@ std::shared_ptr<Picture> IconPicture::OverColor(const Picture* icon, int32_t sid
       std::vector<uint32_t>(static_cast<size_t>(side) * static_cast<size_t>(side),
                             background | 0xFF000000));
   if (!icon) return picture;
+  const int32_t width = std::min(side, icon->Width());
   for (int32_t y = 0; y < std::min(side, icon->Height()); ++y) {
-    for (int32_t x = 0; x < std::min(side, icon->Width()); ++x) {
-      const uint32_t pixel = icon->Pixel(x, y);
+    const uint32_t* from =
+        icon->Pixels() + static_cast<size_t>(y) * static_cast<size_t>(icon->Width());
+    uint32_t* to = picture->Pixels() + static_cast<size_t>(y) * static_cast<size_t>(side);
+    for (int32_t x = 0; x < width; ++x) {
+      const uint32_t pixel = from[x];
       const uint32_t alpha = pixel >> 24;
       if (alpha == 0) continue;
+      if (alpha == 255) {
+        to[x] = pixel;
+        continue;
+      }
       uint32_t mixed = 0xFF000000;
       for (int shift : {16, 8, 0}) {
         const uint32_t over = pixel >> shift & 0xFF, under = background >> shift & 0xFF;
         mixed |= ((over * alpha + under * (255 - alpha) + 127) / 255) << shift;
       }
-      picture->Pixel(x, y, mixed);
+      to[x] = mixed;
     }
   }
   return picture;
