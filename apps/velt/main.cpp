@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "apps/velt/GalleryCommand.hpp"
+#include "apps/velt/IconCommand.hpp"
 #include "apps/velt/RunCommand.hpp"
 #include "apps/velt/SearchCommand.hpp"
 #include "apps/velt/SnapCommand.hpp"
@@ -20,6 +21,9 @@ constexpr const char* kUsage =
     "           render one control, play input, print its events\n"
     "       velt search DIR PATTERN [--dirs] [--recursive] ...\n"
     "           search files and folders as the library's Search does\n"
+    "       velt icon FILE|NAME [--index N] [--small] [--mask COLOR] --out X.png\n"
+    "       velt icon --type .EXT [--small] --out X.png | velt icon --count FILE\n"
+    "           icons from files, the icon theme and by file type (IconExtractor)\n"
     "       velt about\n"
     "           what the library holds so far\n"
     "       velt --version\n"
@@ -39,10 +43,9 @@ void printInventory() {
   std::puts("  controls:   veltButton (veltXButton as a part), veltProgressBar, veltScrollBar,");
   std::puts("              veltSlider, veltPUMenu with its item collections, veltLabel,");
   std::puts("              veltColorPicker, veltTab; the control registry");
-  std::puts("  utilities:  file search");
-  std::puts("  tool:       velt gallery, velt run (form files), velt snap, velt search");
-  std::puts("not yet: veltToolbar, veltTextBox, veltListbox, veltMonthview, veltDropDown,");
-  std::puts("         IconExtractor");
+  std::puts("  utilities:  file search, IconExtractor (icon files, executables, icon theme)");
+  std::puts("  tool:       velt gallery, velt run (form files), velt snap, velt search, velt icon");
+  std::puts("not yet: veltToolbar, veltTextBox, veltListbox, veltMonthview, veltDropDown");
 }
 
 }  // namespace
@@ -67,6 +70,7 @@ int main(int argc, char** argv) {
   if (command == "run") return velt::tool::RunCommand(std::cout, std::cerr, std::cin).Run(rest);
   if (command == "snap") return velt::tool::SnapCommand(std::cout, std::cerr, std::cin).Run(rest);
   if (command == "search") return velt::tool::SearchCommand(std::cout, std::cerr).Run(rest);
+  if (command == "icon") return velt::tool::IconCommand(std::cout, std::cerr).Run(rest);
   std::fprintf(stderr, "velt: unknown command '%s'\n%s", command.c_str(), kUsage);
   return 2;
 }
