@@ -6,6 +6,7 @@
 #include "velt/controls/buttons/veltXButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
+#include "velt/controls/lists/veltMonthview.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
@@ -364,6 +365,21 @@ ControlClass listboxClass() {
       listboxItems());
 }
 
+// The calendar sizes itself to its grid; the size asked for is a start.
+ControlClass monthviewClass() {
+  using V = veltMonthview;
+  return ControlClass(
+      "veltMonthview", SizeL{200, 180}, [] { return std::make_shared<V>(); },
+      {color<V>("BackColor", &V::BackColor, &V::BackColor),
+       color<V>("ForeColor", &V::ForeColor, &V::ForeColor),
+       color<V>("SelectionColor", &V::SelectionColor, &V::SelectionColor),
+       boolean<V>("Enabled", &V::Enabled, &V::Enabled), font<V>("Font", &V::Font, &V::Font),
+       integer<V>("iDay", &V::iDay, &V::iDay), integer<V>("iMonth", &V::iMonth, &V::iMonth),
+       integer<V>("iYear", &V::iYear, &V::iYear),
+       text<V>("WeekdayName", &V::WeekdayName, &V::WeekdayName),
+       text<V>("MonthName", &V::MonthName, &V::MonthName)});
+}
+
 ControlClass tabClass() {
   return ControlClass("veltTab", SizeL{40, 40}, [] { return std::make_shared<veltTab>(); }, {});
 }
@@ -371,9 +387,10 @@ ControlClass tabClass() {
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry(
-      {buttonClass(), glyphButtonClass(), progressBarClass(), scrollBarClass(), sliderClass(),
-       popupMenuClass(), labelClass(), colorPickerClass(), listboxClass(), tabClass()});
+  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
+                                         scrollBarClass(), sliderClass(), popupMenuClass(),
+                                         labelClass(), colorPickerClass(), listboxClass(),
+                                         tabClass(), monthviewClass()});
   return registry;
 }
 

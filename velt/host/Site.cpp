@@ -283,6 +283,10 @@ int16_t Site::AsyncKeyState(int32_t virtualKey) const {
   return form_.System().AsyncKeyState(virtualKey);
 }
 
+CalendarDate Site::Today() const {
+  return form_.System().Today();
+}
+
 RectL Site::WindowRect() const {
   const RectL form = form_.ScreenRect();
   const PointL origin = OriginInForm();

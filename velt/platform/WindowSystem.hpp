@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "velt/platform/CalendarDate.hpp"
 #include "velt/platform/Clock.hpp"
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/MousePointer.hpp"
@@ -105,6 +106,9 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   int16_t ShiftState() const;
 
   int64_t NowMs() const { return clock_->NowMs(); }
+  // The calendar day it is for the user: the machine's local date here; a
+  // backend without a real clock says its own.
+  virtual CalendarDate Today() const { return CalendarDate::LocalToday(); }
   TimerQueue& Timers() { return timers_; }
   // The shortest interval a sited timer fires at: a shorter one fires this
   // often. Real-time systems keep desktop timers from waking the loop more
