@@ -47,11 +47,13 @@ const C& controlAs(const UserControl& control, const char* property) {
 template <class C, class Getter, class Setter>
 Property property(const char* name, VariantType type, Getter get, Setter set) {
   return Property{
-      name, type,
+      name,
+      type,
       [name, get](const UserControl& control) { return get(controlAs<C>(control, name)); },
       [name, set](UserControl& control, const Variant& value) {
         set(controlAs<C>(control, name), value);
-      }};
+      },
+      {}};
 }
 
 // One helper per value type, taking the class's getter and setter.
@@ -365,7 +367,13 @@ ControlClass listboxClass() {
       listboxItems());
 }
 
-// The calendar sizes itself to its grid; the size asked for is a start.
+Property storedAs(Property property, const char* key) {
+  property.Key = key;
+  return property;
+}
+
+// The calendar sizes itself to its grid; the size asked for is a start. The
+// date parts are stored under shorter keys than their names.
 ControlClass monthviewClass() {
   using V = veltMonthview;
   return ControlClass(
@@ -374,8 +382,9 @@ ControlClass monthviewClass() {
        color<V>("ForeColor", &V::ForeColor, &V::ForeColor),
        color<V>("SelectionColor", &V::SelectionColor, &V::SelectionColor),
        boolean<V>("Enabled", &V::Enabled, &V::Enabled), font<V>("Font", &V::Font, &V::Font),
-       integer<V>("iDay", &V::iDay, &V::iDay), integer<V>("iMonth", &V::iMonth, &V::iMonth),
-       integer<V>("iYear", &V::iYear, &V::iYear),
+       storedAs(integer<V>("iDay", &V::iDay, &V::iDay), "Day"),
+       storedAs(integer<V>("iMonth", &V::iMonth, &V::iMonth), "Month"),
+       storedAs(integer<V>("iYear", &V::iYear, &V::iYear), "Year"),
        text<V>("WeekdayName", &V::WeekdayName, &V::WeekdayName),
        text<V>("MonthName", &V::MonthName, &V::MonthName)});
 }
@@ -431,9 +440,9 @@ std::optional<FormFile::ControlTypes::PropertyInfo> ControlRegistry::FindPropert
     std::string_view type, std::string_view property) const {
   const ControlClass* controlClass = Find(type);
   if (!controlClass) return std::nullopt;
-  const ControlClass::Property* found = controlClass->FindProperty(property);
+  const ControlClass::Property* found = controlClass->FindStoredProperty(property);
   if (!found) return std::nullopt;
-  return PropertyInfo{found->Name, found->Type};
+  return PropertyInfo{found->StoredKey(), found->Type};
 }
 
 std::optional<FormFile::ControlTypes::ItemsInfo> ControlRegistry::FindItems(
