@@ -424,7 +424,7 @@ void SdlWindowSystem::onButton(const SDL_MouseButtonEvent& event, bool down) {
     // Releases outside the window then still arrive, as the routing's capture expects.
     if (buttons_ == 0) SDL_CaptureMouse(SDL_TRUE);
     buttons_ |= button;
-    deliverMouseDown(button, shift, screen);
+    deliverMouseDown(button, shift, screen, event.clicks);
   } else {
     buttons_ &= ~static_cast<int32_t>(button);
     if (buttons_ == 0) SDL_CaptureMouse(SDL_FALSE);
