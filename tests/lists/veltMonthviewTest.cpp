@@ -370,6 +370,43 @@ TEST_F(MonthviewTest, TheMonthMenuListsTheMonthsBelowTheNameAndSetsThePickedOne)
   EXPECT_EQ(view->HoverHeader(), 0);
 }
 
+TEST_F(MonthviewTest, ADoubleClickIsRaisedOnlyOnTheSelectedDay) {
+  show(2023, 10);  // cells 1 to 6 are empty
+  const auto doubleClick = [&](PointL spot) {
+    log->Clear();
+    hf.system->PostMouseMove(kAt + spot.x, kAt + spot.y);
+    for (int press = 0; press < 2; ++press) {
+      hf.system->PostMouseDown(kLeft, kAt + spot.x, kAt + spot.y);
+      hf.system->PostMouseUp(kLeft, kAt + spot.x, kAt + spot.y);
+    }
+    hf.Run();
+    Lines names;
+    for (const std::string& name : log->Names())
+      if (name != "MouseMove") names.push_back(name);
+    return names;
+  };
+  const Layout::Cell& day = view->Layout().CellAt(cellOfDay(12));
+  EXPECT_EQ(doubleClick(middle(day)),
+            (Lines{"Click", "MouseDown", "MouseUp", "Click", "MouseDown", "DblClick", "MouseUp"}));
+  EXPECT_EQ(view->iDay(), 12);
+  EXPECT_EQ(doubleClick(middle(view->Layout().CellAt(2))),
+            (Lines{"MouseDown", "MouseUp", "MouseDown", "MouseUp"}));
+  // The header's year arrow: no DblClick either, the year steps twice.
+  EXPECT_EQ(doubleClick(middle(view->Layout().Header(Layout::heNextYear))),
+            (Lines{"MouseDown", "MouseUp", "MouseDown", "MouseUp"}));
+  EXPECT_EQ(view->iYear(), 2025);
+  // The hovered day is no longer the selected one; the right button never counts.
+  view->iYear(2023);
+  const PointL spot = middle(day);
+  view->OnMouseMove(0, 0, static_cast<float>(spot.x), static_cast<float>(spot.y));
+  view->iDay(13);
+  log->Clear();
+  view->OnDblClick(kLeft, 0, static_cast<float>(spot.x), static_cast<float>(spot.y));
+  view->iDay(12);
+  view->OnDblClick(2, 0, static_cast<float>(spot.x), static_cast<float>(spot.y));
+  EXPECT_TRUE(log->Lines().empty());
+}
+
 TEST_F(MonthviewTest, AClickHandlerMayRemoveTheControl) {
   const Layout::Cell& cell = view->Layout().CellAt(cellOfDay(10));
   const Connection removal = view->Click.connect([&] { hf.form.RemoveControl("veltMonthview1"); });

@@ -503,6 +503,17 @@ void veltMonthview::OnMouseUp(int16_t button, int16_t shift, float x, float y) {
   raiseMouse("MouseUp", MouseUp, button, shift, x, y);
 }
 
+// Only on the selected day: the press that came just before selected the cell
+// under it, so a double click on a day picks it; elsewhere nothing happens.
+// Other buttons do nothing on the calendar.
+void veltMonthview::OnDblClick(int16_t button, int16_t /*shift*/, float /*x*/, float /*y*/) {
+  if (button != kLeftButton || !sited() || hoverCell_ == 0 ||
+      layout_.CellAt(hoverCell_).Day != day_)
+    return;
+  const auto self = weak_from_this().lock();
+  RaiseEvent(*host_, "DblClick", DblClick);
+}
+
 // The year stops at the ends of its type rather than overflow.
 void veltMonthview::headerAction() {
   if (!pressed_) return;

@@ -114,6 +114,7 @@ class veltMonthview : public UserControl, public std::enable_shared_from_this<ve
   void OnMouseDown(int16_t button, int16_t shift, float x, float y) override;
   void OnMouseMove(int16_t button, int16_t shift, float x, float y) override;
   void OnMouseUp(int16_t button, int16_t shift, float x, float y) override;
+  void OnDblClick(int16_t button, int16_t shift, float x, float y) override;
   void OnKeyDown(int16_t& /*keyCode*/, int16_t& /*shift*/) override {}
   void OnKeyUp(int16_t& /*keyCode*/, int16_t& /*shift*/) override {}
   void OnKeyPress(int16_t& /*keyAscii*/) override {}
