@@ -211,7 +211,7 @@ TEST_F(MonthviewTest, SizesItselfToItsGridAndGrowsWithItsFont) {
 }
 
 TEST_F(MonthviewTest, MarksTodayTheSelectionAndTheHoveredCell) {
-  hf.system->SetToday(CalendarDate{2005, 2, 16});
+  ASSERT_EQ(hf.system->Today(), (CalendarDate{2005, 2, 16}));  // the headless default
   const ColorScheme& s = view->Scheme();
   const auto inside = [&](int16_t day) {  // a pixel of the mark the day number leaves free
     const Layout::Cell& cell = view->Layout().CellAt(cellOfDay(day));
@@ -227,6 +227,9 @@ TEST_F(MonthviewTest, MarksTodayTheSelectionAndTheHoveredCell) {
             test::GradientAt(s.FillTop, s.FillBottom, view->Layout().CellAt(2).Width, 1));
   EXPECT_EQ(inside(2), s.Back);
   EXPECT_EQ(edge(2), s.Back);
+  hf.system->SetToday(CalendarDate{2005, 2, 9});  // the calendar repaints at once
+  EXPECT_EQ(inside(9), s.FillTop);
+  EXPECT_EQ(inside(16), s.Back);
 
   const Layout::Cell& hovered = view->Layout().CellAt(cellOfDay(20));
   move(hovered.Left + 5, hovered.Top + 5);

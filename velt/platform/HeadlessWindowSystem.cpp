@@ -116,7 +116,9 @@ void HeadlessWindowSystem::SetToday(const CalendarDate& date) {
                 "HeadlessWindowSystem::SetToday: " + std::to_string(date.Year) + "-" +
                     std::to_string(date.Month) + "-" + std::to_string(date.Day) +
                     " is not a day of the calendar");
+  if (date == today_) return;
   today_ = date;
+  TodayChanged.Raise();
 }
 
 void HeadlessWindowSystem::AdvanceClock(int64_t milliseconds) {

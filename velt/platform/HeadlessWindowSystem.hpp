@@ -48,8 +48,8 @@ class HeadlessWindowSystem : public WindowSystem {
   void SetCursor(int32_t x, int32_t y) { cursor_ = PointL{x, y}; }
   void SetButtons(int32_t mask);  // error 5 outside 0..7
   // The date controls take as today: kDefaultToday until set, so pictures of
-  // calendars stay the same from day to day. Error 5 for a day that does not
-  // exist.
+  // calendars stay the same from day to day. A new date raises TodayChanged.
+  // Error 5 for a day that does not exist.
   static constexpr CalendarDate kDefaultToday{2005, 2, 16};
   CalendarDate Today() const override { return today_; }
   void SetToday(const CalendarDate& date);

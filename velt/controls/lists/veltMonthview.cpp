@@ -206,6 +206,7 @@ void veltMonthview::Initialize(ControlHost& host) {
   repeat_->Interval(kRepeatInterval);
   repeat_->Enabled(false);
   connections_.push_back(repeat_->Tick.connect([this] { onRepeatTick(); }));
+  connections_.push_back(host.ConnectTodayChanged([this] { draw(); }));
   createMenu();
   splitNames();
   scheme_ = SchemeNormal(backColor_, foreColor_, selectionColor_);
