@@ -7,6 +7,7 @@
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
+#include "velt/controls/lists/veltMonthview.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
@@ -57,6 +58,7 @@ Gallery::Gallery(std::shared_ptr<WindowSystem> system)
   addMenu(375);
   addListboxes(510);
   addScripts(615);
+  addMonthviews(790);
   form_->FindSite(kFocusedName)->SetFocus();
   startCycle();
 }
@@ -282,6 +284,18 @@ void Gallery::addListboxes(int32_t top) {
   auto scrolling = list("listScrolling", 4);
   for (int entry = 1; entry <= 40; ++entry)
     scrolling->ListboxItems.Add("", "Entry " + std::to_string(entry));
+}
+
+// A column right of the others: a calendar to use, and a disabled one in
+// other colours. Both size themselves to their grid.
+void Gallery::addMonthviews(int32_t left) {
+  heading("headingMonthview", "veltMonthview", 16, left);
+  auto calendar = add<veltMonthview>("monthview", left, 40, 220, 165);
+  calendar->iDay(14);
+  auto disabled = add<veltMonthview>("monthviewDisabled", left, 215, 220, 165);
+  disabled->ForeColor(kGreen);
+  disabled->iDay(3);
+  disabled->Enabled(false);
 }
 
 void Gallery::startCycle() {

@@ -34,7 +34,7 @@ namespace tool {
 // kCycleInterval milliseconds while the gallery exists.
 class Gallery {
  public:
-  static constexpr int32_t kWidth = 780;
+  static constexpr int32_t kWidth = 1030;
   static constexpr int32_t kHeight = 650;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
@@ -73,6 +73,7 @@ class Gallery {
   void addScripts(int32_t top);
   void addMenu(int32_t top);
   void addListboxes(int32_t top);
+  void addMonthviews(int32_t left);
   void fillMenu(MenuItems& items);
   void openMenu();
   void startCycle();

@@ -6,6 +6,7 @@
 
 #include "apps/velt/PropertyArgument.hpp"
 #include "apps/velt/ScriptError.hpp"
+#include "velt/platform/CalendarDate.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/JsonText.hpp"
 
@@ -19,7 +20,7 @@ struct VerbInfo {
   const char* usage;
 };
 
-constexpr std::array<VerbInfo, 18> kVerbs = {{
+constexpr std::array<VerbInfo, 19> kVerbs = {{
     {"move", ScriptVerb::Move, "move X Y"},
     {"down", ScriptVerb::Down, "down B X Y"},
     {"up", ScriptVerb::Up, "up B X Y"},
@@ -38,6 +39,7 @@ constexpr std::array<VerbInfo, 18> kVerbs = {{
     {"menu", ScriptVerb::Menu, "menu X Y"},
     {"wheel", ScriptVerb::Wheel, "wheel X Y N"},
     {"get", ScriptVerb::Get, "get NAME"},
+    {"today", ScriptVerb::Today, "today YYYY-MM-DD"},
 }};
 
 constexpr int64_t kMaxKeyCode = 255;
@@ -273,6 +275,10 @@ void readArguments(CommandReader& in, ScriptCommand& command) {
       break;
     case ScriptVerb::Get:
       command.Argument = std::string(in.Word("a property NAME"));
+      break;
+    case ScriptVerb::Today:
+      command.Argument = std::string(in.Word("a date YYYY-MM-DD"));
+      CalendarDate::Parse(command.Argument);
       break;
   }
   in.End();

@@ -8,6 +8,7 @@
 #include "apps/velt/PropertyArgument.hpp"
 #include "apps/velt/ScriptError.hpp"
 #include "apps/velt/ScriptTarget.hpp"
+#include "velt/platform/CalendarDate.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 
@@ -256,6 +257,11 @@ void ScriptRunner::postAction(const ScriptCommand& command, size_t index) {
     case ScriptVerb::Shot:
       postStep([this, argument] { target_.Shot(argument); }, index);
       break;
+    case ScriptVerb::Today: {
+      const CalendarDate date = CalendarDate::Parse(argument);
+      postStep([this, date] { system_.SetToday(date); }, index);
+      break;
+    }
     case ScriptVerb::Menu: {
       const PointL point{command.X, command.Y};
       postStep([this, point] { target_.OpenMenu(point); }, index);

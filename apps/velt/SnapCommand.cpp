@@ -93,6 +93,7 @@ form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
                         pointer, or its parent when that one does not scroll
   get NAME              print NAME=VALUE, the property's value now, in the
                         format of --events
+  today YYYY-MM-DD      the date calendars mark as today (default 2005-02-16)
   menu X Y              a veltPUMenu opens its menu (CreateMenu, the root
                         group) with its corner at X Y; menu 0 0 opens it at
                         the pointer. The next commands arrive while it waits

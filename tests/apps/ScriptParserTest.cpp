@@ -49,6 +49,7 @@ TEST(ScriptParserTest, EachCommandFillsItsFields) {
       {"Blur", ScriptVerb::Blur, {0, 0, 0, 0, held, 0}},
       {"wheel 5 6 -2", ScriptVerb::Wheel, {5, 6, 0, -2, held, 0}},
       {"get SelectedItem", ScriptVerb::Get, {0, 0, 0, 0, held, 0}, "SelectedItem"},
+      {"today -44-03-15", ScriptVerb::Today, {0, 0, 0, 0, held, 0}, "-44-03-15"},
       {"prop Caption=Hello there  # greeting",
        ScriptVerb::Prop,
        {0, 0, 0, 0, held, 0},
@@ -119,6 +120,8 @@ TEST(ScriptParserTest, WrongArgumentsAreProblems) {
        {"up", "keydown 256", "keyup 65 8", "char 65536", "char -1", "text \"open", "text \"a\" b",
         "text \xc3" /* cut UTF-8 */, "wait -1", "wait 3600001", "focus now", "prop Caption",
         "prop =1", "shot \"\"", "wheel 1 2", "wheel 1 2 40000", "get", "get a b"})
+    EXPECT_NE(problemOf(line), "") << line;
+  for (const char* line : {"today", "today 2023-02-29", "today 2024-02-01 x"})
     EXPECT_NE(problemOf(line), "") << line;
 }
 

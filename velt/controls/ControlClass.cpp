@@ -43,6 +43,12 @@ const ControlClass::Property* ControlClass::FindProperty(std::string_view name) 
   return nullptr;
 }
 
+const ControlClass::Property* ControlClass::FindStoredProperty(std::string_view key) const {
+  for (const Property& property : properties_)
+    if (NamesMatch(property.StoredKey(), key)) return &property;
+  return nullptr;
+}
+
 const ControlClass::Property& ControlClass::PropertyNamed(std::string_view name) const {
   if (const Property* property = FindProperty(name)) return *property;
   throw Error(errInvalidProcedureCall, name_ + " has no property \"" + std::string(name) + "\"");

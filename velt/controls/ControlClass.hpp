@@ -31,6 +31,10 @@ class ControlClass {
     VariantType Type = VariantType::Empty;
     std::function<Variant(const UserControl&)> Get;
     std::function<void(UserControl&, const Variant&)> Set;
+    // The PropertyBag key it is stored under where that is not its name
+    // (veltMonthview's iDay is stored as "Day").
+    std::string Key;
+    const std::string& StoredKey() const { return Key.empty() ? Name : Key; }
   };
   struct Collection {
     FormFile::ControlTypes::ItemsInfo Info;
@@ -59,6 +63,8 @@ class ControlClass {
   // nullptr when the class owns no collection.
   const Collection* Items() const { return collection_ ? &*collection_ : nullptr; }
   const Property* FindProperty(std::string_view name) const;  // nullptr when unknown
+  // The property stored under the key (any letter case); nullptr when none is.
+  const Property* FindStoredProperty(std::string_view key) const;
   // Error 5 naming the class and the property when it has no such property.
   const Property& PropertyNamed(std::string_view name) const;
 

@@ -6,6 +6,7 @@
 #include "velt/controls/buttons/veltXButton.hpp"
 #include "velt/controls/lists/veltColorPicker.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
+#include "velt/controls/lists/veltMonthview.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
@@ -46,11 +47,13 @@ const C& controlAs(const UserControl& control, const char* property) {
 template <class C, class Getter, class Setter>
 Property property(const char* name, VariantType type, Getter get, Setter set) {
   return Property{
-      name, type,
+      name,
+      type,
       [name, get](const UserControl& control) { return get(controlAs<C>(control, name)); },
       [name, set](UserControl& control, const Variant& value) {
         set(controlAs<C>(control, name), value);
-      }};
+      },
+      {}};
 }
 
 // One helper per value type, taking the class's getter and setter.
@@ -364,6 +367,28 @@ ControlClass listboxClass() {
       listboxItems());
 }
 
+Property storedAs(Property property, const char* key) {
+  property.Key = key;
+  return property;
+}
+
+// The calendar sizes itself to its grid; the size asked for is a start. The
+// date parts are stored under shorter keys than their names.
+ControlClass monthviewClass() {
+  using V = veltMonthview;
+  return ControlClass(
+      "veltMonthview", SizeL{200, 180}, [] { return std::make_shared<V>(); },
+      {color<V>("BackColor", &V::BackColor, &V::BackColor),
+       color<V>("ForeColor", &V::ForeColor, &V::ForeColor),
+       color<V>("SelectionColor", &V::SelectionColor, &V::SelectionColor),
+       boolean<V>("Enabled", &V::Enabled, &V::Enabled), font<V>("Font", &V::Font, &V::Font),
+       storedAs(integer<V>("iDay", &V::iDay, &V::iDay), "Day"),
+       storedAs(integer<V>("iMonth", &V::iMonth, &V::iMonth), "Month"),
+       storedAs(integer<V>("iYear", &V::iYear, &V::iYear), "Year"),
+       text<V>("WeekdayName", &V::WeekdayName, &V::WeekdayName),
+       text<V>("MonthName", &V::MonthName, &V::MonthName)});
+}
+
 ControlClass tabClass() {
   return ControlClass("veltTab", SizeL{40, 40}, [] { return std::make_shared<veltTab>(); }, {});
 }
@@ -371,9 +396,10 @@ ControlClass tabClass() {
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry(
-      {buttonClass(), glyphButtonClass(), progressBarClass(), scrollBarClass(), sliderClass(),
-       popupMenuClass(), labelClass(), colorPickerClass(), listboxClass(), tabClass()});
+  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
+                                         scrollBarClass(), sliderClass(), popupMenuClass(),
+                                         labelClass(), colorPickerClass(), listboxClass(),
+                                         tabClass(), monthviewClass()});
   return registry;
 }
 
@@ -414,9 +440,9 @@ std::optional<FormFile::ControlTypes::PropertyInfo> ControlRegistry::FindPropert
     std::string_view type, std::string_view property) const {
   const ControlClass* controlClass = Find(type);
   if (!controlClass) return std::nullopt;
-  const ControlClass::Property* found = controlClass->FindProperty(property);
+  const ControlClass::Property* found = controlClass->FindStoredProperty(property);
   if (!found) return std::nullopt;
-  return PropertyInfo{found->Name, found->Type};
+  return PropertyInfo{found->StoredKey(), found->Type};
 }
 
 std::optional<FormFile::ControlTypes::ItemsInfo> ControlRegistry::FindItems(

@@ -283,6 +283,14 @@ int16_t Site::AsyncKeyState(int32_t virtualKey) const {
   return form_.System().AsyncKeyState(virtualKey);
 }
 
+CalendarDate Site::Today() const {
+  return form_.System().Today();
+}
+
+Connection Site::ConnectTodayChanged(std::function<void()> handler) {
+  return form_.System().TodayChanged.connect(std::move(handler));
+}
+
 RectL Site::WindowRect() const {
   const RectL form = form_.ScreenRect();
   const PointL origin = OriginInForm();

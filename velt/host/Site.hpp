@@ -124,6 +124,8 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   PointL CursorPos() const override;
   int16_t AsyncKeyState(int32_t virtualKey) const override;
   RectL WindowRect() const override;
+  CalendarDate Today() const override;
+  Connection ConnectTodayChanged(std::function<void()> handler) override;
   int32_t ShellExecute(const std::string& operation, const std::string& file,
                        const std::string& parameters, const std::string& directory,
                        int32_t showCmd) override;

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 
+#include "velt/platform/CalendarDate.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 
 namespace velt {
@@ -81,6 +84,10 @@ class ControlHost {
   // Non-zero while the key or mouse button is held (1 left, 2 right, 4 middle).
   virtual int16_t AsyncKeyState(int32_t virtualKey) const = 0;
   virtual RectL WindowRect() const = 0;  // the control on screen, pixels
+  // Today's date as the window system's clock tells it, and a handler called
+  // when the window system's date changes (for as long as the connection is kept).
+  virtual CalendarDate Today() const = 0;
+  virtual Connection ConnectTodayChanged(std::function<void()> handler) = 0;
   // Opens a document or address with the desktop's opener (see
   // Shell::Execute for the arguments and the answer). A window system without
   // a desktop records the request instead and answers that it succeeded.

@@ -110,6 +110,17 @@ void HeadlessWindowSystem::SetButtons(int32_t mask) {
   idleCalls_ = 0;
 }
 
+void HeadlessWindowSystem::SetToday(const CalendarDate& date) {
+  if (!date.Exists())
+    throw Error(errInvalidProcedureCall,
+                "HeadlessWindowSystem::SetToday: " + std::to_string(date.Year) + "-" +
+                    std::to_string(date.Month) + "-" + std::to_string(date.Day) +
+                    " is not a day of the calendar");
+  if (date == today_) return;
+  today_ = date;
+  TodayChanged.Raise();
+}
+
 void HeadlessWindowSystem::AdvanceClock(int64_t milliseconds) {
   checkTime("AdvanceClock", milliseconds);
   auto self = weak_from_this().lock();

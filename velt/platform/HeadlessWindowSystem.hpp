@@ -47,6 +47,12 @@ class HeadlessWindowSystem : public WindowSystem {
   // Direct state, no events.
   void SetCursor(int32_t x, int32_t y) { cursor_ = PointL{x, y}; }
   void SetButtons(int32_t mask);  // error 5 outside 0..7
+  // The date controls take as today: kDefaultToday until set, so pictures of
+  // calendars stay the same from day to day. A new date raises TodayChanged.
+  // Error 5 for a day that does not exist.
+  static constexpr CalendarDate kDefaultToday{2005, 2, 16};
+  CalendarDate Today() const override { return today_; }
+  void SetToday(const CalendarDate& date);
   // Moves the virtual clock, firing each timer at its due time on the way, so
   // a 1 ms timer ticks once per millisecond moved. Error 5 below 0.
   void AdvanceClock(int64_t milliseconds);
@@ -126,6 +132,7 @@ class HeadlessWindowSystem : public WindowSystem {
   std::deque<ScriptItem> script_;
   int32_t idleCalls_ = 0;  // DoEvents calls in a row that found nothing to do
   std::vector<ShellRequest> shellRequests_;
+  CalendarDate today_ = kDefaultToday;
 };
 
 }  // namespace velt

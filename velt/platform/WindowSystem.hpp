@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "velt/platform/CalendarDate.hpp"
 #include "velt/platform/Clock.hpp"
+#include "velt/platform/Event.hpp"
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/MousePointer.hpp"
 #include "velt/platform/TimerQueue.hpp"
@@ -113,6 +115,12 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   int16_t ShiftState() const;
 
   int64_t NowMs() const { return clock_->NowMs(); }
+  // The calendar day it is for the user: the machine's local date here; a
+  // backend without a real clock says its own.
+  virtual CalendarDate Today() const { return CalendarDate::LocalToday(); }
+  // Raised when a backend that sets its date (the headless one) changes it,
+  // so calendars can mark the new day.
+  Event<> TodayChanged;
   TimerQueue& Timers() { return timers_; }
   // The shortest interval a sited timer fires at: a shorter one fires this
   // often. Real-time systems keep desktop timers from waking the loop more
