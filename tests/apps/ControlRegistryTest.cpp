@@ -81,7 +81,7 @@ Variant otherValue(const Variant& current, VariantType type) {
 }
 
 // Each property of each class: the getter reads back what the setter took, and
-// the control stores it under the property's own name (what form files rely on).
+// the control stores it under the property's own key (what form files rely on).
 TEST(ControlRegistryTest, EveryPropertyReachesItsOwnSetterAndIsStoredUnderItsName) {
   for (const std::string& name : registry().CreatableNames()) {
     const ControlClass& controlClass = registry().ClassNamed(name);
@@ -105,7 +105,7 @@ TEST(ControlRegistryTest, EveryPropertyReachesItsOwnSetterAndIsStoredUnderItsNam
 
       PropertyBag bag;
       hf.form.WriteProperties(site, bag);
-      EXPECT_TRUE(bag.Contains(property.Name));
+      EXPECT_TRUE(bag.Contains(property.Key()));
     }
   }
 }

@@ -31,6 +31,10 @@ class ControlClass {
     VariantType Type = VariantType::Empty;
     std::function<Variant(const UserControl&)> Get;
     std::function<void(UserControl&, const Variant&)> Set;
+    // The PropertyBag key, where it is not the name ("Imagelist" for a
+    // toolbar's ImageList); form files store the property under it.
+    std::string StoredKey = {};
+    const std::string& Key() const { return StoredKey.empty() ? Name : StoredKey; }
   };
   struct Collection {
     FormFile::ControlTypes::ItemsInfo Info;
