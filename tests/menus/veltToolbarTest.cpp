@@ -150,6 +150,12 @@ TEST_F(ToolbarTest, ItemsThatDoNotFitAreHiddenAndNotHit) {
   EXPECT_EQ(bar->Layout().Cells.size(), static_cast<size_t>(kFile - 1));
   move(fits - 3, midY());
   EXPECT_EQ(bar->HoveredIndex(), 0);
+  // An item added to the full bar is hidden too; a change to a shown item
+  // still shows with it, as with any change of the collection.
+  bar->ToolbarItems.Item(kNew)->Caption("Newer");
+  bar->ToolbarItems.Add("more", "More");
+  EXPECT_EQ(cell(kNew).Width, pinned().TextWidth("Newer") + 15);
+  EXPECT_EQ(bar->Layout().Cells.size(), static_cast<size_t>(kFile - 1));
 }
 
 // Columns of the drawn button, rows strictly between 6 and h + 6.

@@ -41,7 +41,10 @@ ToolbarLayout LayOutToolbar(const Canvas& surface, const ToolbarItems& items,
     if (hasIcon) width += imageList->ImageWidth();
     if (item->Style() == mitMenu2)
       width += kToolbarArrowGap + surface.TextWidth(kToolbarArrowGlyph);
-    if (x - kToolbarButtonInsetX + width > barWidth - 1) break;
+    if (x - kToolbarButtonInsetX + width > barWidth - 1) {
+      layout.Truncated = true;
+      break;
+    }
     layout.Cells.push_back(
         ToolbarCell{index, static_cast<int32_t>(x), static_cast<int32_t>(width), hasIcon});
     x += width;

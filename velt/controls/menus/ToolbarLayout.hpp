@@ -47,6 +47,7 @@ struct ToolbarLayout {
   int32_t ItemHeight = 0;          // h: every item's height
   int32_t TextHeight = 0;          // TextHeight("I") of the surface's font
   std::vector<ToolbarCell> Cells;  // the items that fit, in order
+  bool Truncated = false;          // items after the last cell did not fit
 
   int32_t BarHeight() const { return ItemHeight + kToolbarBarPadding; }
   // The first item whose button columns hold x and whose item rows hold y

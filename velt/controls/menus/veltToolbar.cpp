@@ -74,7 +74,7 @@ void printAt(Canvas& c, int32_t x, int32_t y, const std::string& text, OLE_COLOR
 
 // The items tell the toolbar of every change, sited or not.
 veltToolbar::veltToolbar() {
-  itemConnections_.push_back(ToolbarItems.ItemAdded.connect([this] { repaint(); }));
+  itemConnections_.push_back(ToolbarItems.ItemAdded.connect([this] { onItemAdded(); }));
   itemConnections_.push_back(ToolbarItems.ItemChanged.connect([this] { repaint(); }));
 }
 
@@ -224,7 +224,8 @@ void veltToolbar::WriteProperties(PropertyBag& bag) {
 void veltToolbar::Resize() {
   if (!host_) return;
   keepBarHeight();
-  colorsChanged();
+  colors_ = SchemeNormal(frame_.BackColor, frame_.ForeColor, selectionColor_);
+  repaint();
 }
 
 void veltToolbar::Terminate() {
@@ -233,7 +234,30 @@ void veltToolbar::Terminate() {
   host_ = nullptr;
 }
 
-// ---- The menu part ----------------------------------------------------------
+// ---- The items and the menu part --------------------------------------------
+
+// An item added to a bar that is already full falls beyond its right edge and
+// changes nothing shown, unless a shown item was changed since (a change the
+// next collection change shows): filling a bar with thousands of items costs
+// no repaint per item.
+void veltToolbar::onItemAdded() {
+  if (host_ && layout_.Truncated && shownItemsUnchanged()) return;
+  repaint();
+}
+
+veltToolbar::ShownItem veltToolbar::shownItem(const ToolbarItem& item) {
+  return ShownItem{&item,        item.Caption(), item.IconIndex(),
+                   item.Style(), item.Checked(), item.Enabled()};
+}
+
+bool veltToolbar::shownItemsUnchanged() const {
+  if (shown_.size() != layout_.Cells.size()) return false;
+  for (size_t i = 0; i < shown_.size(); ++i) {
+    const std::shared_ptr<ToolbarItem> item = itemAt(layout_.Cells[i].Index);
+    if (!item || !(shownItem(*item) == shown_[i])) return false;
+  }
+  return true;
+}
 
 void veltToolbar::createMenu() {
   menu_ = std::make_shared<veltPUMenu>();
@@ -436,8 +460,13 @@ void veltToolbar::repaint() {
   GradientLine(c, 0, 1, h - 2, kLineVertical, colors_.EdgeLight, colors_.EdgeDark);
   c.Line(1, h - 1, w - 1, h - 1, colors_.EdgeDark);
   GradientLine(c, w - 1, 1, h - 2, kLineVertical, colors_.EdgeMid, colors_.EdgeDark);
-  for (const ToolbarCell& cell : layout_.Cells)
-    if (const std::shared_ptr<ToolbarItem> item = itemAt(cell.Index)) paintItem(c, cell, *item);
+  shown_.clear();
+  for (const ToolbarCell& cell : layout_.Cells) {
+    const std::shared_ptr<ToolbarItem> item = itemAt(cell.Index);
+    if (!item) continue;
+    shown_.push_back(shownItem(*item));
+    paintItem(c, cell, *item);
+  }
 }
 
 // Sets the control's height to the bar height; true when the surface has it

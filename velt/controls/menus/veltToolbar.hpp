@@ -118,7 +118,9 @@ class veltToolbar : public UserControl, public std::enable_shared_from_this<velt
   bool menuShown() const;
   std::shared_ptr<ToolbarItem> itemAt(int16_t index) const;  // nullptr when gone
 
-  // Parts.
+  // Parts and the items.
+  void onItemAdded();
+  bool shownItemsUnchanged() const;
   void createMenu();
   void connectMenu();
   void handColorsToMenu();
@@ -158,6 +160,19 @@ class veltToolbar : public UserControl, public std::enable_shared_from_this<velt
   PointL anchor_;
   int32_t barHeight_ = 0;
   ToolbarLayout layout_;
+  // What each cell of the layout showed when it was painted: an Add beyond a
+  // full bar repaints only when one of these changed meanwhile.
+  struct ShownItem {
+    const ToolbarItem* item = nullptr;
+    std::string caption;
+    int16_t iconIndex = 0;
+    eMenuItemType style{};
+    bool checked = false;
+    bool enabled = false;
+    bool operator==(const ShownItem&) const = default;
+  };
+  std::vector<ShownItem> shown_;
+  static ShownItem shownItem(const ToolbarItem& item);
   bool resizing_ = false;
   // The symbol font in the caption font's size and style, made again when
   // that font changes.
