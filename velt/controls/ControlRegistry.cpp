@@ -47,7 +47,8 @@ const C& controlAs(const UserControl& control, const char* property) {
 template <class C, class Getter, class Setter>
 Property property(const char* name, VariantType type, Getter get, Setter set) {
   return Property{
-      name, type,
+      name,
+      type,
       [name, get](const UserControl& control) { return get(controlAs<C>(control, name)); },
       [name, set](UserControl& control, const Variant& value) {
         set(controlAs<C>(control, name), value);
@@ -399,8 +400,8 @@ ControlClass toolbarClass() {
       {color<T>("BackColor", &T::BackColor, &T::BackColor),
        color<T>("ForeColor", &T::ForeColor, &T::ForeColor),
        color<T>("SelectionColor", &T::SelectionColor, &T::SelectionColor),
-       imageList<T>("MenuImageList", &T::MenuImageList, &T::MenuImageList),
-       images, boolean<T>("Enabled", &T::Enabled, &T::Enabled), font<T>("Font", &T::Font, &T::Font)},
+       imageList<T>("MenuImageList", &T::MenuImageList, &T::MenuImageList), images,
+       boolean<T>("Enabled", &T::Enabled, &T::Enabled), font<T>("Font", &T::Font, &T::Font)},
       toolbarItems());
 }
 
