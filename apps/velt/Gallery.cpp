@@ -10,6 +10,7 @@
 #include "velt/controls/lists/veltMonthview.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
 #include "velt/controls/range/veltScrollBar.hpp"
 #include "velt/controls/range/veltSlider.hpp"
@@ -49,6 +50,7 @@ Gallery::Gallery(std::shared_ptr<WindowSystem> system)
       icons_(GalleryIcons::Make()),
       form_(std::make_unique<Form>(system_, kCaption, kWidth, kHeight)) {
   form_->BackColor(kFormColor);
+  addToolbar();
   addButtons(16);
   addProgressBars(64);
   addSliders(130);
@@ -75,14 +77,14 @@ std::shared_ptr<T> Gallery::add(const char* name, int32_t left, int32_t top, int
   PropertyBag stored;
   stored.WriteProperty("Orientation", Variant(static_cast<int32_t>(orientation)));
   auto control = std::make_shared<T>();
-  form_->AddControl(control, name, left, top, width, height, &stored);
+  form_->AddControl(control, name, left, rowsTop_ + top, width, height, &stored);
   return control;
 }
 
 template <class T>
 std::shared_ptr<T> Gallery::add(const char* name, int32_t left, int32_t top, int32_t width,
                                 int32_t height) {
-  return form_->Add<T>(name, left, top, width, height);
+  return form_->Add<T>(name, left, rowsTop_ + top, width, height);
 }
 
 void Gallery::heading(const char* name, const char* caption, int32_t top, int32_t left) {
@@ -296,6 +298,44 @@ void Gallery::addMonthviews(int32_t left) {
   disabled->ForeColor(kGreen);
   disabled->iDay(3);
   disabled->Enabled(false);
+// ---- veltToolbar ------------------------------------------------------------
+
+// Across the top of the form; the rows below count their tops from its bottom.
+void Gallery::addToolbar() {
+  toolbar_ = form_->Add<veltToolbar>(kToolbarName, 0, 0, kWidth, kToolbarHeight);
+  toolbar_->ImageList(icons_);
+  toolbar_->MenuImageList(icons_);
+  fillToolbar();
+  // The gallery toggles its check button itself, as a host does.
+  connections_.push_back(toolbar_->ItemClicked.connect(
+      [this](int16_t index, const std::string&) { toolbarItemClicked(index); }));
+  rowsTop_ = kToolbarHeight;
+}
+
+void Gallery::fillToolbar() {
+  ToolbarItems& items = toolbar_->ToolbarItems;
+  items.Add("new", "New", kPlusIcon);
+  items.Add("done", "Done", kCheckIcon);
+  items.Add("wrap", "Wrap", 0, mitCheckButton, true);
+  items.Add("sep", "", 0, mitSeparator);
+  items.Add("title", "Toolbar:", 0, mitCaption);
+  items.Add("gap", "", kInfoIcon, mitPlaceholder);
+  MenuItems& file = *items.Add("file", "File", 0, mitMenu)->ToolbarMenuItems;
+  file.Add("open", "Open", kPlusIcon);
+  file.Add("save", "Save", kCheckIcon);
+  file.Add("", "", 0, true, "", "", itPlaceholder);
+  file.Add("close", "Close", kCrossIcon);
+  MenuItems& view = *items.Add("view", "View", 0, mitMenu2)->ToolbarMenuItems;
+  view.Add("zoom", "Zoom", 0, true, "", "", itCheck, true);
+  view.Add("grid", "Grid", 0, true, "", "", itCheck);
+  items.Add("off", "Off", kCrossIcon, mitNormalButton, false, false);
+}
+
+void Gallery::toolbarItemClicked(int16_t index) {
+  const std::shared_ptr<ToolbarItem> item = toolbar_->ToolbarItems.Item(index);
+  if (item->Style() != mitCheckButton) return;
+  item->Checked(!item->Checked());
+  toolbar_->ToolbarItems.Refresh();
 }
 
 void Gallery::startCycle() {

@@ -18,10 +18,13 @@ class WindowSystem;
 class MenuItems;
 class veltProgressBar;
 class veltPUMenu;
+class veltToolbar;
 
 namespace tool {
 
-// Every control the library has, in its main looks side by side on one form:
+// Every control the library has, in its main looks side by side on one form,
+// below a toolbar across its top (push buttons with icons, a check button the
+// gallery toggles, a separator, a caption, a placeholder and two menu buttons):
 // normal, disabled, with an icon, focused, vertical where the control has an
 // orientation, each tick style of the slider, the label's wrapping, ellipsis,
 // icon and hyperlink, list boxes (icons and indentation, shortened captions,
@@ -34,8 +37,10 @@ namespace tool {
 // kCycleInterval milliseconds while the gallery exists.
 class Gallery {
  public:
+  // The toolbar spans the top; every other row sits below it.
+  static constexpr int32_t kToolbarHeight = 30;
   static constexpr int32_t kWidth = 1030;
-  static constexpr int32_t kHeight = 650;
+  static constexpr int32_t kHeight = 650 + kToolbarHeight;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
   static constexpr int16_t kCycleStep = 2;
@@ -44,6 +49,7 @@ class Gallery {
   static constexpr const char* kSearchingName = "progressSearching";
   static constexpr const char* kMenuButtonName = "menuButton";
   static constexpr const char* kMenuName = "menu";
+  static constexpr const char* kToolbarName = "toolbar";
 
   explicit Gallery(std::shared_ptr<WindowSystem> system);
   ~Gallery();
@@ -74,6 +80,9 @@ class Gallery {
   void addMenu(int32_t top);
   void addListboxes(int32_t top);
   void addMonthviews(int32_t left);
+  void addToolbar();
+  void fillToolbar();
+  void toolbarItemClicked(int16_t index);
   void fillMenu(MenuItems& items);
   void openMenu();
   void startCycle();
@@ -84,6 +93,8 @@ class Gallery {
   std::unique_ptr<Form> form_;
   std::shared_ptr<veltProgressBar> searching_;
   std::shared_ptr<veltPUMenu> menu_;
+  std::shared_ptr<veltToolbar> toolbar_;
+  int32_t rowsTop_ = 0;  // where the rows start: below the toolbar
   std::vector<Connection> connections_;
   TimerQueue::Id cycleTimer_ = 0;
 };

@@ -22,6 +22,7 @@ SnapCommand::SnapCommand(std::ostream& out, std::ostream& err, std::istream& in)
 
 const char* SnapCommand::Usage() {
   return R"(usage: velt snap CONTROL [--size WxH] [--prop Name=Value]... [--item ITEM]...
+                      [--tool TOOL [--item ITEM]...]...
                       [--entry ENTRY]... [--sorted N] [--imagelist FILE.png[:W]]
                       [--input FILE|-] [--out FILE.png] [--screen] [--events]
        velt snap --list
@@ -43,7 +44,13 @@ written without --out or a shot command.
                      Key|Caption|Icon|Enabled|Child|Group|ItemType|Checked|Bold,
                      the fields after Key optional (Icon 0, Enabled True,
                      ItemType 1 normal, 2 check, 3 separator, 4 title,
-                     Checked and Bold False); other controls have no items
+                     Checked and Bold False); other controls have no items.
+                     After a --tool it goes into that tool's menu instead
+  --tool TOOL        add an item to a veltToolbar's ToolbarItems (repeatable):
+                     Key|Caption|IconIndex|Style|Checked|Enabled, the fields
+                     after Key optional (IconIndex 0, Style 1 push button,
+                     2 check button, 3 menu, 4 menu with arrow, 5 placeholder,
+                     6 separator, 7 caption, Checked False, Enabled True)
   --entry ENTRY      add an entry to a veltListbox's ListboxItems (repeatable):
                      Key|Caption|Value|Icon|Comment, the fields after Key
                      optional (Icon 0: none); a tab in Caption indents it
@@ -153,6 +160,7 @@ int SnapCommand::run(const SnapOptions& options) {
   for (const PropertyArgument& property : properties)
     session.SetProperty(property);
   session.AddMenuItems(options.Items);
+  session.AddTools(options.Tools);
   session.AddEntries(options.Entries, options.Sorted);
   runner.Run(script);
   if (options.Out) session.WritePng(*options.Out);

@@ -47,7 +47,13 @@ void readOption(ArgumentReader& reader, SnapOptions& options) {
   } else if (word == "--prop") {
     options.Properties.push_back(reader.Value());
   } else if (word == "--item") {
-    options.Items.push_back(MenuItemArgument::Parse(reader.Value()));
+    MenuItemArgument item = MenuItemArgument::Parse(reader.Value());
+    if (options.Tools.empty())
+      options.Items.push_back(std::move(item));
+    else
+      options.Tools.back().Menu.push_back(std::move(item));
+  } else if (word == "--tool") {
+    options.Tools.push_back(ToolArgument::Parse(reader.Value()));
   } else if (word == "--entry") {
     options.Entries.push_back(EntryArgument::Parse(reader.Value()));
   } else if (word == "--sorted") {

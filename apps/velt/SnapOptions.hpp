@@ -9,6 +9,7 @@
 #include "apps/velt/EntryArgument.hpp"
 #include "apps/velt/ImageStrip.hpp"
 #include "apps/velt/MenuItemArgument.hpp"
+#include "apps/velt/ToolArgument.hpp"
 #include "velt/platform/Geometry.hpp"
 
 namespace velt::tool {
@@ -24,6 +25,7 @@ struct SnapOptions {
   std::optional<SizeL> Size;
   std::vector<std::string> Properties;  // "Name=Value", in the order given
   std::vector<MenuItemArgument> Items;  // --item, in the order given
+  std::vector<ToolArgument> Tools;      // --tool, each with the --item options after it
   std::vector<EntryArgument> Entries;   // --entry, in the order given
   std::optional<bool> Sorted;           // --sorted
   std::optional<ImageStrip> Images;     // --imagelist

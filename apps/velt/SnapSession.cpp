@@ -9,6 +9,7 @@
 #include "velt/controls/ControlClass.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
 #include "velt/platform/Error.hpp"
@@ -112,12 +113,28 @@ void SnapSession::AddEntries(const std::vector<EntryArgument>& entries,
     entry.AddTo(list->ListboxItems);
 }
 
+void SnapSession::AddTools(const std::vector<ToolArgument>& tools) {
+  if (tools.empty()) return;
+  auto* toolbar = dynamic_cast<veltToolbar*>(&Control());
+  if (!toolbar)
+    throw Error(
+        errInvalidProcedureCall,
+        "--tool: " + class_.Name() + " has no toolbar items (only veltToolbar takes --tool)");
+  for (const ToolArgument& tool : tools)
+    tool.AddTo(toolbar->ToolbarItems);
+  followControl();
+}
+
 void SnapSession::SetImageList(std::shared_ptr<ImageList> images) {
   constexpr const char* kImageList = "ImageList";
+  constexpr const char* kMenuImageList = "MenuImageList";
   if (!class_.FindProperty(kImageList))
     throw Error(errInvalidProcedureCall,
                 "--imagelist: " + class_.Name() + " has no ImageList property");
-  class_.SetProperty(Control(), kImageList, Variant(std::shared_ptr<Object>(std::move(images))));
+  const Variant list(std::shared_ptr<Object>(std::move(images)));
+  class_.SetProperty(Control(), kImageList, list);
+  if (class_.FindProperty(kMenuImageList)) class_.SetProperty(Control(), kMenuImageList, list);
+  followControl();
 }
 
 }  // namespace velt::tool

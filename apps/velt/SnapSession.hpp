@@ -7,6 +7,7 @@
 #include "apps/velt/EntryArgument.hpp"
 #include "apps/velt/HeadlessSession.hpp"
 #include "apps/velt/MenuItemArgument.hpp"
+#include "apps/velt/ToolArgument.hpp"
 
 namespace velt {
 
@@ -55,7 +56,11 @@ class SnapSession : public HeadlessSession {
   // Sets ListboxItems.Sorted (when given), then appends the entries; error 5
   // for a control without list entries.
   void AddEntries(const std::vector<EntryArgument>& entries, std::optional<bool> sorted);
-  // Gives the control the image list; error 5 for one without an ImageList.
+  // Appends the toolbar items with their menus; error 5 for a control that is
+  // no veltToolbar.
+  void AddTools(const std::vector<ToolArgument>& tools);
+  // Gives the control the image list (a toolbar's menus too); error 5 for one
+  // without an ImageList.
   void SetImageList(std::shared_ptr<ImageList> images);
 
  private:

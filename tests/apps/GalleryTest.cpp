@@ -14,6 +14,7 @@
 #include "apps/velt/GalleryCommand.hpp"
 #include "velt/controls/ControlRegistry.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -55,6 +56,38 @@ TEST_F(GalleryTest, ShowsEveryCreatableControlInsideTheFormWithoutOverlaps) {
     for (size_t j = i + 1; j < sites.size(); ++j)
       EXPECT_FALSE(overlap(bounds, sites[j]->Bounds()))
           << sites[i]->Name() << " and " << sites[j]->Name() << " overlap";
+  }
+}
+
+// The check button is toggled by the gallery on each click; each menu button
+// opens its own entries.
+TEST_F(GalleryTest, TheToolbarsCheckButtonTogglesAndItsMenuButtonsOpenTheirMenus) {
+  auto bar =
+      std::dynamic_pointer_cast<veltToolbar>(form.FindSite(Gallery::kToolbarName)->Control());
+  ASSERT_NE(bar, nullptr);
+  const auto press = [&](const std::string& key) {
+    int16_t index = 0;
+    for (int16_t i = 1; i <= bar->ToolbarItems.Count(); ++i)
+      if (bar->ToolbarItems.Item(i)->sKey() == key) index = i;
+    const ToolbarCell& cell = *bar->Layout().CellOf(index);
+    const int32_t x = cell.ButtonLeft() + cell.Width / 2;
+    const int32_t y = kToolbarItemTop + bar->Layout().ItemHeight / 2;
+    system->PostMouseMove(x, y);
+    system->PostMouseDown(1, x, y);
+    system->PostMouseUp(1, x, y);
+    system->RunUntilIdle();
+    return bar->ToolbarItems.Item(index);
+  };
+  EXPECT_FALSE(press("wrap")->Checked());
+  EXPECT_TRUE(press("wrap")->Checked());
+  for (const char* menu : {"file", "view"}) {
+    SCOPED_TRACE(menu);
+    const auto item = press(menu);
+    EXPECT_TRUE(bar->veltPUMenu1()->Window()->Visible());
+    EXPECT_EQ(bar->veltPUMenu1()->MenuItem, item->ToolbarMenuItems);
+    EXPECT_GT(item->ToolbarMenuItems->Count(), 1);
+    bar->veltPUMenu1()->KillMenu();
+    system->AdvanceClock(1);
   }
 }
 

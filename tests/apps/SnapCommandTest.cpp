@@ -78,6 +78,24 @@ TEST(SnapOptionsTest, MenuItemsTakeAddsFieldsWithItsDefaults) {
   EXPECT_EQ(fields(MenuItemArgument::Parse("k|||")), "k||0|1|||1|0|0") << "empty fields";
 }
 
+// Each --item after a --tool goes into that tool's menu.
+TEST(SnapOptionsTest, ToolsTakeAddsFieldsWithItsDefaultsAndTheItemsAfterThem) {
+  const SnapOptions options = parse({"veltToolbar", "--item", "m", "--tool", "a", "--item", "x",
+                                     "--tool=b|Bee|&H2|4|TRUE|false", "--item", "y", "--item=z"});
+  ASSERT_EQ(options.Items.size(), 1u);
+  ASSERT_EQ(options.Tools.size(), 2u);
+  const auto fieldsOf = [](const ToolArgument& tool) {
+    std::string text = tool.Key + "|" + tool.Caption + "|" + std::to_string(tool.IconIndex) + "|" +
+                       std::to_string(tool.Style) + "|" + std::to_string(tool.Checked) + "|" +
+                       std::to_string(tool.Enabled) + ":";
+    for (const MenuItemArgument& item : tool.Menu)
+      text += item.Key;
+    return text;
+  };
+  EXPECT_EQ(fieldsOf(options.Tools[0]), "a||0|1|0|1:x");
+  EXPECT_EQ(fieldsOf(options.Tools[1]), "b|Bee|2|4|1|0:yz");
+}
+
 TEST(SnapOptionsTest, BadMenuItemFieldsNameTheOptionAndTheField) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"k|c|x", "Icon \"x\""},
@@ -109,6 +127,10 @@ TEST(SnapOptionsTest, EntriesSortingAndImageStrips) {
        std::vector<std::tuple<const char*, const char*, const char*>>{
            {"--entry", "k|c|v|x", "Icon \"x\""},
            {"--entry", "k|c|v|1|n|extra", "more than 5 fields"},
+           {"--tool", "k|c|x", "--tool \"k|c|x\": IconIndex \"x\""},
+           {"--tool", "k|c|1|8", "Style \"8\""},
+           {"--tool", "k|c|1|1|y", "Checked \"y\""},
+           {"--tool", "a|b|1|1|true|true|x", "more than 6 fields"},
            {"--sorted", "2", "--sorted \"2\""},
            {"--imagelist", "a.png:0", "width 0"},
            {"--imagelist", "a.png:2000", "width 2000"}})
@@ -158,6 +180,19 @@ TEST_F(SnapCommandTest, MenuItemsAndMenuNeedAPopupMenu) {
       << err.str();
   EXPECT_EQ(run({"veltPUMenu", "--item", "k", "--item", "k", "--out", outFile}), 2);
   EXPECT_TRUE(fs::is_empty(dir));
+}
+
+// A press on a menu button clicks it and opens its menu; choosing an entry
+// names both items.
+TEST_F(SnapCommandTest, ToolbarItemsAndTheirMenus) {
+  ASSERT_EQ(run({"veltToolbar", "--size", "300x30", "--tool", "new|New", "--tool", "file|File||3",
+                 "--item", "open|Open", "--events", "--input", "-"},
+                "click 50 12\nclick 55 36\n"),
+            0)
+      << err.str();
+  EXPECT_EQ(out.str(), "ItemClicked 2 \"file\"\nMenuItemClicked 2 \"file\" 1 \"open\"\n");
+  EXPECT_EQ(run({"veltButton", "--tool", "k"}), 2);
+  EXPECT_NE(err.str().find("--tool: veltButton has no toolbar items"), std::string::npos);
 }
 
 // A strip of two 4-pixel icons (red, blue) cut into the list's image list;

@@ -19,9 +19,13 @@
 #include <thread>
 #include <vector>
 
+#include "apps/velt/Gallery.hpp"
 #include "support/HeadlessForm.hpp"
 #include "support/Pixels.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
+#include "velt/controls/menus/MenuItemListing.hpp"
+#include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/controls/text/veltLabel.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -209,6 +213,57 @@ TEST_F(SdlGuiTest, APopupShowsAtItsScreenPlaceTakesClicksAndLosesTheFocusToTheFo
   ASSERT_TRUE(run("xdotool key b"));
   EXPECT_TRUE(pumpUntil([&] { return !log->Lines().empty(); }))
       << "the form lost the keyboard to the pop-up";
+}
+
+// The gallery's toolbar in a real window: the real pointer clicks its check
+// button (which the gallery toggles), opens a menu, switches to the other menu
+// by moving, and chooses an entry.
+TEST_F(GuiTest, TheGallerysToolbarWorksWithTheRealPointer) {
+  auto system = std::make_shared<SdlWindowSystem>();
+  tool::Gallery gallery(system);
+  Form& form = gallery.GalleryForm();
+  form.MoveWindow(kFormLeft, kFormTop);
+  Site& site = *form.FindSite(tool::Gallery::kToolbarName);
+  auto bar = std::dynamic_pointer_cast<veltToolbar>(site.Control());
+  test::EventLog log(site);
+  const auto pump = [&](const std::function<bool()>& condition) {
+    return waitUntil(condition, [&] { system->DoEvents(); });
+  };
+  const auto settled = Clock::now() + std::chrono::milliseconds(100);
+  pump([&] { return Clock::now() >= settled; });
+  const auto pointAt = [&](const std::string& key) {
+    for (const ToolbarCell& cell : bar->Layout().Cells)
+      if (bar->ToolbarItems.Item(cell.Index)->sKey() == key) {
+        const RectL rect = site.WindowRect();
+        return run("xdotool mousemove " +
+                   std::to_string(rect.Left + cell.ButtonLeft() + cell.Width / 2) + " " +
+                   std::to_string(rect.Top + kToolbarItemTop + bar->Layout().ItemHeight / 2));
+      }
+    return false;
+  };
+  const auto lastIs = [&](const std::string& line) {
+    return pump([&] { return !log.Lines().empty() && log.Lines().back() == line; });
+  };
+  const std::shared_ptr<veltPUMenu> menu = bar->veltPUMenu1();
+
+  ASSERT_TRUE(pointAt("wrap") && run("xdotool click 1"));
+  ASSERT_TRUE(lastIs("ItemClicked(i3, String:wrap)")) << "the click did not arrive";
+  EXPECT_FALSE(bar->ToolbarItems.Item("wrap")->Checked());
+  ASSERT_TRUE(pointAt("file") && run("xdotool click 1"));
+  ASSERT_TRUE(lastIs("ItemClicked(i7, String:file)"));
+  ASSERT_TRUE(pump([&] { return menu->Window()->Visible(); })) << "the menu did not open";
+  EXPECT_EQ(menu->MenuItem, bar->ToolbarItems.Item("file")->ToolbarMenuItems);
+  ASSERT_TRUE(pointAt("view"));
+  ASSERT_TRUE(pump([&] {
+    return menu->MenuItem == bar->ToolbarItems.Item("view")->ToolbarMenuItems;
+  })) << "moving onto the other menu button did not switch menus";
+  const RectL rows = menu->Window()->WindowRect();
+  const MenuItemListing& first = *menu->Listings()->Item(1);
+  ASSERT_TRUE(run("xdotool mousemove " + std::to_string(rows.Left + 10) + " " +
+                  std::to_string(rows.Top + first.Top() + first.Height() / 2)) &&
+              run("xdotool click 1"));
+  EXPECT_TRUE(lastIs("MenuItemClicked(i8, String:view, i1, String:zoom)"));
+  EXPECT_TRUE(pump([&] { return !menu->Window()->Visible() && !bar->Pressed(); }));
 }
 
 std::string contents(const fs::path& path) {

@@ -24,6 +24,7 @@
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/controls/text/veltLabel.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -194,6 +195,44 @@ TEST_F(FormFileTest, ReadingCreatesTheFormAndSavingWritesItAndItsPicturesBackThe
   EXPECT_TRUE(off->Checked() && off->Bold());
 }
 
+// A toolbar's items keep their fields and each its menu, saved and read again.
+TEST_F(FormFileTest, ToolbarItemsKeepTheirMenusThroughSavingAndReading) {
+  const std::string json = R"({"version": 1, "width": 300, "height": 100, "controls": [
+    {"type": "veltToolbar", "name": "bar", "left": 0, "top": 0, "width": 300, "height": 30,
+     "items": [{"key": "new", "caption": "New", "iconIndex": 2},
+               {"key": "file", "caption": "File", "style": 3,
+                "menu": [{"key": "open", "caption": "Open", "icon": 1},
+                         {"itemType": 3}, {"caption": "Quit", "bold": true}]},
+               {"caption": "Off", "style": 2, "checked": true, "enabled": false}]}]})";
+  const auto check = [](Form& form) {
+    const auto bar = control<veltToolbar>(form, "bar");
+    ASSERT_EQ(bar->ToolbarItems.Count(), 3);
+    const auto first = bar->ToolbarItems.Item(int16_t{1});
+    EXPECT_EQ(first->sKey() + first->Caption() + std::to_string(first->IconIndex()), "newNew2");
+    EXPECT_EQ(first->Style(), mitNormalButton);
+    EXPECT_EQ(first->ToolbarMenuItems->Count(), 0);
+    const MenuItems& menu = *bar->ToolbarItems.Item("file")->ToolbarMenuItems;
+    ASSERT_EQ(menu.Count(), 3);
+    EXPECT_EQ(menu.Item(int16_t{1})->Key() + std::to_string(menu.Item(int16_t{1})->Icon()),
+              "open1");
+    EXPECT_EQ(menu.Item(int16_t{2})->ItemType(), itPlaceholder);
+    EXPECT_TRUE(menu.Item(int16_t{3})->Bold());
+    const auto off = bar->ToolbarItems.Item(int16_t{3});
+    EXPECT_EQ(off->Style(), mitCheckButton);
+    EXPECT_TRUE(off->Checked());
+    EXPECT_FALSE(off->Enabled());
+  };
+  const std::unique_ptr<Form> form = create(parse(json));
+  check(*form);
+  const fs::path saved = folder / "bar.json";
+  FormFile::Capture(*form, ControlRegistry::Standard()).Save(saved.string());
+  const std::unique_ptr<Form> again = create(load(saved));
+  check(*again);
+  const fs::path resaved = folder / "bar2.json";
+  FormFile::Capture(*again, ControlRegistry::Standard()).Save(resaved.string());
+  EXPECT_EQ(readText(resaved), readText(saved));
+}
+
 // Lists made in code get names and picture files of their own; a form holding
 // an object no list can name is not stored, and the old file stays whole.
 TEST_F(FormFileTest, FormsMadeInCodeNameTheirImageListsOrWriteNothing) {
@@ -326,6 +365,16 @@ TEST_F(FormFileTest, EveryMistakeNamesTheFileThePathAndWhatWasExpected) {
        "/controls/1/items/0/itemType", "1..4"},
       {withItems("veltPUMenu", R"("items": [{"icon": 32768}])"), errInvalidPropertyValue,
        "/controls/1/items/0/icon", "-32768..32767"},
+      {withItems("veltToolbar", R"("items": [{"style": 8}])"), errInvalidPropertyValue,
+       "/controls/1/items/0/style", "1..7"},
+      {withItems("veltToolbar", R"("items": [{"menu": {}}])"), errTypeMismatch,
+       "/controls/1/items/0/menu", "expected an array of records"},
+      {withItems("veltToolbar", R"("items": [{"menu": [{"itemType": 9}]}])"),
+       errInvalidPropertyValue, "/controls/1/items/0/menu/0/itemType", "1..4"},
+      {withItems("veltToolbar", R"("items": [{"menu": [{"Key": "a"}]}])"), errInvalidProcedureCall,
+       "/controls/1/items/0/menu/0/Key", "unknown key"},
+      {withItems("veltToolbar", R"("items": [{"menu": [{"key": "a"}, {"key": "a"}]}])"),
+       errKeyAlreadyExists, "/controls/1/items/0", "\"a\""},
   };
   for (const auto& bad : cases) {
     SCOPED_TRACE(bad.json);

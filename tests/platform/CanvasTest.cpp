@@ -299,6 +299,8 @@ TEST(CanvasPicture, ThreeLooksClippedAtEveryEdge) {
   for (uint32_t& p : argb)
     p = rng();
   argb[0] = 0xFF102030, argb[1] = 0x00FFFFFF, argb[2] = 0x7F445566, argb[3] = 0x80445566;
+  for (size_t i = 28; i < 35; ++i)  // a row of only opaque and clear pixels
+    argb[i] = (i % 2 ? 0xFF000000u : 0u) | (argb[i] & 0xFFFFFFu);
   const Picture picture(7, 5, argb);
   SystemColors::Set(COLOR_BTNHIGHLIGHT, RGB(0xEE, 0xEE, 0xE0));
   SystemColors::Set(COLOR_BTNSHADOW, RGB(0x40, 0x41, 0x42));

@@ -33,7 +33,7 @@ class ControlClass {
     std::function<void(UserControl&, const Variant&)> Set;
     // The PropertyBag key it is stored under where that is not its name
     // (veltMonthview's iDay is stored as "Day").
-    std::string Key;
+    std::string Key = {};
     const std::string& StoredKey() const { return Key.empty() ? Name : Key; }
   };
   struct Collection {

@@ -9,6 +9,7 @@
 #include "velt/controls/lists/veltMonthview.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/controls/menus/veltPUMenu.hpp"
+#include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/controls/range/veltProgressBar.hpp"
 #include "velt/controls/range/veltScrollBar.hpp"
 #include "velt/controls/range/veltSlider.hpp"
@@ -180,16 +181,25 @@ ControlClass scrollBarClass() {
 
 using ItemField = FormFile::ControlTypes::ItemField;
 
+ItemField field(const char* name, VariantType type, int32_t low = 0, int32_t high = 0) {
+  ItemField made;
+  made.Name = name;
+  made.Type = type;
+  made.Low = low;
+  made.High = high;
+  return made;
+}
+
 ItemField textField(const char* name) {
-  return ItemField{name, VariantType::String};
+  return field(name, VariantType::String);
 }
 
 ItemField booleanField(const char* name) {
-  return ItemField{name, VariantType::Boolean};
+  return field(name, VariantType::Boolean);
 }
 
 ItemField iconField() {
-  return ItemField{"icon", VariantType::Integer, INT16_MIN, INT16_MAX};
+  return field("icon", VariantType::Integer, INT16_MIN, INT16_MAX);
 }
 
 std::string textOf(const PropertyBag& record, const char* name) {
@@ -216,48 +226,60 @@ void writeIcon(PropertyBag& record, int16_t icon) {
   record.WriteProperty("icon", Variant(icon), Variant(int16_t{0}));
 }
 
-// The menu's MenuItem, in the order and with the defaults of MenuItems::Add.
+// A menu entry, in the order and with the defaults of MenuItems::Add: the
+// menu's MenuItem and a toolbar item's ToolbarMenuItems.
+std::vector<ItemField> menuItemFields() {
+  return {textField("key"),
+          textField("caption"),
+          iconField(),
+          booleanField("enabled"),
+          textField("child"),
+          textField("group"),
+          field("itemType", VariantType::Long, itNormal, itTitle),
+          booleanField("checked"),
+          booleanField("bold")};
+}
+
+void addMenuItem(MenuItems& items, const PropertyBag& item) {
+  items.Add(
+      textOf(item, "key"), textOf(item, "caption"), iconOf(item), booleanOf(item, "enabled", true),
+      textOf(item, "child"), textOf(item, "group"),
+      static_cast<eItemType>(item.ReadProperty("itemType", Variant(int32_t{itNormal})).ToLong()),
+      booleanOf(item, "checked"), booleanOf(item, "bold"));
+}
+
+std::vector<PropertyBag> menuItemRecords(const MenuItems* items) {
+  std::vector<PropertyBag> records;
+  if (!items) return records;
+  for (const std::shared_ptr<MenuItem> item : *items) {
+    PropertyBag& record = records.emplace_back();
+    writeText(record, "key", item->Key());
+    writeText(record, "caption", item->Caption());
+    writeIcon(record, item->Icon());
+    writeBoolean(record, "enabled", item->Enabled(), true);
+    writeText(record, "child", item->Child());
+    writeText(record, "group", item->Group());
+    record.WriteProperty("itemType", Variant(static_cast<int32_t>(item->ItemType())),
+                         Variant(int32_t{itNormal}));
+    writeBoolean(record, "checked", item->Checked());
+    writeBoolean(record, "bold", item->Bold());
+  }
+  return records;
+}
+
 ControlClass::Collection menuItems() {
   using M = veltPUMenu;
   ControlClass::Collection items;
-  items.Info.Fields = {textField("key"),
-                       textField("caption"),
-                       iconField(),
-                       booleanField("enabled"),
-                       textField("child"),
-                       textField("group"),
-                       ItemField{"itemType", VariantType::Long, itNormal, itTitle},
-                       booleanField("checked"),
-                       booleanField("bold")};
+  items.Info.Fields = menuItemFields();
   items.ApplySettings = [](UserControl&, const PropertyBag&) {};
   items.Add = [](UserControl& control, const PropertyBag& item) {
     M& menu = controlAs<M>(control, "items");
     if (!menu.MenuItem) menu.MenuItem = std::make_shared<MenuItems>();
-    menu.MenuItem->Add(
-        textOf(item, "key"), textOf(item, "caption"), iconOf(item),
-        booleanOf(item, "enabled", true), textOf(item, "child"), textOf(item, "group"),
-        static_cast<eItemType>(item.ReadProperty("itemType", Variant(int32_t{itNormal})).ToLong()),
-        booleanOf(item, "checked"), booleanOf(item, "bold"));
+    addMenuItem(*menu.MenuItem, item);
   };
   items.Settings = [](const UserControl&) { return PropertyBag(); };
   items.Items = [](const UserControl& control) {
-    std::vector<PropertyBag> records;
-    const M& menu = controlAs<M>(control, "items");
-    if (!menu.MenuItem) return records;
-    for (const std::shared_ptr<MenuItem> item : *menu.MenuItem) {
-      PropertyBag& record = records.emplace_back();
-      writeText(record, "key", item->Key());
-      writeText(record, "caption", item->Caption());
-      writeIcon(record, item->Icon());
-      writeBoolean(record, "enabled", item->Enabled(), true);
-      writeText(record, "child", item->Child());
-      writeText(record, "group", item->Group());
-      record.WriteProperty("itemType", Variant(static_cast<int32_t>(item->ItemType())),
-                           Variant(int32_t{itNormal}));
-      writeBoolean(record, "checked", item->Checked());
-      writeBoolean(record, "bold", item->Bold());
-    }
-    return records;
+    return menuItemRecords(controlAs<M>(control, "items").MenuItem.get());
   };
   return items;
 }
@@ -314,6 +336,74 @@ ControlClass popupMenuClass() {
        imageList<M>("ImageList", &M::ImageList, &M::ImageList),
        color<M>("SelectionColor", &M::SelectionColor, &M::SelectionColor)},
       menuItems());
+}
+
+// ---- veltToolbar ----------------------------------------------------------------
+
+// The toolbar's ToolbarItems, in the order and with the defaults of
+// ToolbarItems::Add; each item's "menu" holds its ToolbarMenuItems.
+ControlClass::Collection toolbarItems() {
+  using T = veltToolbar;
+  ControlClass::Collection items;
+  ItemField menu = field("menu", VariantType::Object);
+  menu.Records = menuItemFields();
+  items.Info.Fields = {textField("key"),
+                       textField("caption"),
+                       field("iconIndex", VariantType::Integer, INT16_MIN, INT16_MAX),
+                       field("style", VariantType::Long, mitNormalButton, mitCaption),
+                       booleanField("checked"),
+                       booleanField("enabled"),
+                       menu};
+  items.ApplySettings = [](UserControl&, const PropertyBag&) {};
+  items.Add = [](UserControl& control, const PropertyBag& record) {
+    const std::shared_ptr<ToolbarItem> item =
+        controlAs<T>(control, "items")
+            .ToolbarItems.Add(
+                textOf(record, "key"), textOf(record, "caption"),
+                record.ReadProperty("iconIndex", Variant(int16_t{0})).ToInteger(),
+                static_cast<eMenuItemType>(
+                    record.ReadProperty("style", Variant(int32_t{mitNormalButton})).ToLong()),
+                booleanOf(record, "checked"), booleanOf(record, "enabled", true));
+    const auto menu = std::dynamic_pointer_cast<FormFile::ItemRecords>(
+        record.ReadProperty("menu", Variant(std::shared_ptr<Object>())).ToObject());
+    if (menu)
+      for (const PropertyBag& entry : menu->Records)
+        addMenuItem(*item->ToolbarMenuItems, entry);
+  };
+  items.Settings = [](const UserControl&) { return PropertyBag(); };
+  items.Items = [](const UserControl& control) {
+    std::vector<PropertyBag> records;
+    for (const std::shared_ptr<ToolbarItem> item : controlAs<T>(control, "items").ToolbarItems) {
+      PropertyBag& record = records.emplace_back();
+      writeText(record, "key", item->sKey());
+      writeText(record, "caption", item->Caption());
+      record.WriteProperty("iconIndex", Variant(item->IconIndex()), Variant(int16_t{0}));
+      record.WriteProperty("style", Variant(static_cast<int32_t>(item->Style())),
+                           Variant(int32_t{mitNormalButton}));
+      writeBoolean(record, "checked", item->Checked());
+      writeBoolean(record, "enabled", item->Enabled(), true);
+      auto menu = std::make_shared<FormFile::ItemRecords>();
+      menu->Records = menuItemRecords(item->ToolbarMenuItems.get());
+      if (!menu->Records.empty())
+        record.WriteProperty("menu", Variant(std::shared_ptr<Object>(menu)));
+    }
+    return records;
+  };
+  return items;
+}
+
+ControlClass toolbarClass() {
+  using T = veltToolbar;
+  Property images = imageList<T>("ImageList", &T::ImageList, &T::ImageList);
+  images.Key = "Imagelist";
+  return ControlClass(
+      "veltToolbar", SizeL{400, 30}, [] { return std::make_shared<T>(); },
+      {color<T>("BackColor", &T::BackColor, &T::BackColor),
+       color<T>("ForeColor", &T::ForeColor, &T::ForeColor),
+       color<T>("SelectionColor", &T::SelectionColor, &T::SelectionColor),
+       imageList<T>("MenuImageList", &T::MenuImageList, &T::MenuImageList), images,
+       boolean<T>("Enabled", &T::Enabled, &T::Enabled), font<T>("Font", &T::Font, &T::Font)},
+      toolbarItems());
 }
 
 ControlClass sliderClass() {
@@ -399,7 +489,7 @@ const ControlRegistry& ControlRegistry::Standard() {
   static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
                                          scrollBarClass(), sliderClass(), popupMenuClass(),
                                          labelClass(), colorPickerClass(), listboxClass(),
-                                         tabClass(), monthviewClass()});
+                                         tabClass(), monthviewClass(), toolbarClass()});
   return registry;
 }
 

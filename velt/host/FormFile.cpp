@@ -117,6 +117,14 @@ Json itemRecordJson(const PropertyBag& record) {
       case VariantType::Long:
         object[key] = value.ToLong();
         break;
+      case VariantType::Object: {
+        Json records = Json::array();
+        if (const auto nested = std::dynamic_pointer_cast<FormFile::ItemRecords>(value.ToObject()))
+          for (const PropertyBag& nestedRecord : nested->Records)
+            records.push_back(itemRecordJson(nestedRecord));
+        object[key] = std::move(records);
+        break;
+      }
       default:
         object[key] = value.ToString();
     }
@@ -467,6 +475,8 @@ class Reader {
   }
 
   Variant itemValue(const Json& value, const Pointer& at, const ItemField& field) const {
+    if (!field.Records.empty())
+      return Variant(std::shared_ptr<Object>(itemRecords(value, at, field)));
     switch (field.Type) {
       case VariantType::Boolean:
         return Variant(boolean(value, at));
@@ -477,6 +487,25 @@ class Reader {
       default:
         return Variant(text(value, at, true));
     }
+  }
+
+  std::shared_ptr<FormFile::ItemRecords> itemRecords(const Json& value, const Pointer& at,
+                                                     const ItemField& field) const {
+    if (!value.is_array())
+      fail(errTypeMismatch, at, "expected an array of records, found " + kindOf(value));
+    if (value.size() > kMaxItems)
+      fail(errOverflow, at,
+           "more than " + std::to_string(kMaxItems) + " records (" + std::to_string(value.size()) +
+               ")");
+    std::vector<std::string> names;
+    for (const ItemField& nested : field.Records)
+      names.push_back(nested.Name);
+    auto records = std::make_shared<FormFile::ItemRecords>();
+    for (size_t i = 0; i < value.size(); ++i) {
+      checkObject(value[i], child(at, i), names, "a record object");
+      records->Records.push_back(readItemRecord(value[i], child(at, i), field.Records));
+    }
+    return records;
   }
 
   RectL readBounds(const Json& control, const Pointer& at) const {

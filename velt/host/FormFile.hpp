@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "velt/platform/Geometry.hpp"
+#include "velt/platform/Object.hpp"
 #include "velt/platform/PropertyBag.hpp"
 #include "velt/platform/Types.hpp"
 #include "velt/platform/Variant.hpp"
@@ -56,11 +57,16 @@ class FormFile {
     // A field of each entry of a collection a type owns (a menu's items, a
     // list's entries), or a setting of the collection itself, written beside
     // "items" on the control: Boolean, String, or Integer within Low..High.
+    //
+    // A field with Records is an array of records with those fields (the
+    // entries of a toolbar item's menu); its value in a record is an
+    // ItemRecords object.
     struct ItemField {
       std::string Name;  // lowerCamelCase, as in the file
       VariantType Type = VariantType::String;
       int32_t Low = 0;
       int32_t High = 0;
+      std::vector<ItemField> Records;
     };
     struct ItemsInfo {
       std::vector<ItemField> Fields;
@@ -76,6 +82,12 @@ class FormFile {
     // What the control's collection holds now, fields at their default left out.
     virtual PropertyBag ItemSettings(const UserControl& control) const = 0;
     virtual std::vector<PropertyBag> Items(const UserControl& control) const = 0;
+  };
+
+  // The records of an array field, in order, each keyed by field name.
+  class ItemRecords : public Object {
+   public:
+    std::vector<PropertyBag> Records;
   };
 
   struct ImageListEntry {
