@@ -83,6 +83,10 @@ void SingleLineEdit::SelLength(int32_t length) {
   afterCaretMove();
 }
 
+void SingleLineEdit::SelText(const std::string& text) {
+  afterEdit(text_.ReplaceSelection(CodePointsOf(text, "SingleLineEdit.SelText")));
+}
+
 void SingleLineEdit::MaxLength(int32_t length) {
   checkNotNegative(length, "SingleLineEdit.MaxLength");
   maxLength_ = length;
@@ -189,6 +193,9 @@ SingleLineEdit::Line SingleLineEdit::line() const {
     result.shown = Utf8Of(shown.substr(0, caret)) + composition_ + Utf8Of(shown.substr(caret));
     result.caretShown = caret + static_cast<int32_t>(composed.size());
   }
+  // Line breaks pasted by the owner show as blanks: the field draws one line.
+  std::replace_if(
+      result.shown.begin(), result.shown.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   const Canvas& canvas = surface();
   result.stops = canvas.CaretStops(result.shown);
   result.width = canvas.TextWidth(result.shown);

@@ -59,6 +59,8 @@ class SingleLineEdit : public UserControl, public std::enable_shared_from_this<S
   int32_t SelLength() const { return text_.SelLength(); }
   void SelLength(int32_t length);
   std::string SelText() const { return text_.SelText(); }
+  // Replaces the selection (one undo step, no MaxLength), the caret after it.
+  void SelText(const std::string& text);
   int32_t MaxLength() const { return maxLength_; }
   void MaxLength(int32_t length);
   // Its first character is shown for every character; "" shows the text.
