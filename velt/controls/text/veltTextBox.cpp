@@ -78,7 +78,7 @@ bool veltTextBox::Enabled() const {
 void veltTextBox::Enabled(bool enabled) {
   host().Enabled(enabled);
   markChanged("Enabled");
-  drawBorder();
+  applyEnabled();
 }
 
 std::shared_ptr<velt::Font> veltTextBox::Font() const {
@@ -295,6 +295,7 @@ void veltTextBox::ReadProperties(PropertyBag& bag) {
   foreColor_ = bag.ReadProperty("ForeColor", Variant::Color(kDefaultForeColor)).ToColor();
   frame.Read(FrameProperty::Enabled, bag, h);
   frame.Read(FrameProperty::Font, bag, h);
+  applyEnabled();
   SingleLineEdit& edit = editor();
   edit.Alignment(bag.ReadProperty("Alignment", Variant(int16_t{0})).ToInteger());
   edit.Text(bag.ReadProperty("Text", Variant(kDefaultText)).ToString());
@@ -391,6 +392,13 @@ void veltTextBox::drawBorder() {
   GradientLine(s, w - 1, 1, h - 2, kVertical, colors_[6], colors_[7]);
 }
 
+// Text1 follows the box, so a disabled box shows no caret and takes no keys
+// even where Text1 kept the focus.
+void veltTextBox::applyEnabled() {
+  editorHost_->Enabled(host().Enabled());
+  drawBorder();
+}
+
 void veltTextBox::menuLook() {
   if (!host_ || !menu_) return;
   menu_->BackColor(backColor_);
@@ -480,7 +488,7 @@ void veltTextBox::MenuCommand(const std::string& key) {
 
 void veltTextBox::menuClosed() {
   if (!host_) return;
-  editorHost_->Enabled(true);
+  editorHost_->Enabled(host_->Enabled());
   ignoringFailure([this] { editorHost_->SetFocus(); });
   menuReturn_ = false;
   ignoringFailure([this] {

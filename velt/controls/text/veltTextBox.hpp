@@ -143,6 +143,7 @@ class veltTextBox : public UserControl, public std::enable_shared_from_this<velt
   void connectEditor();
   void layout();
   void drawBorder();
+  void applyEnabled();
   void menuLook();
   void writeCaptions();
   void caption(int index, const std::string& caption, const char* name);
