@@ -35,7 +35,7 @@ namespace tool {
 class Gallery {
  public:
   static constexpr int32_t kWidth = 780;
-  static constexpr int32_t kHeight = 650;
+  static constexpr int32_t kHeight = 715;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
   static constexpr int16_t kCycleStep = 2;
@@ -71,6 +71,7 @@ class Gallery {
   void addLabels(int32_t top);
   void addPickers(int32_t top);
   void addScripts(int32_t top);
+  void addTextBoxes(int32_t top);
   void addMenu(int32_t top);
   void addListboxes(int32_t top);
   void fillMenu(MenuItems& items);

@@ -25,6 +25,7 @@ enum class ScriptVerb {
   Menu,     // menu X Y
   Wheel,    // wheel X Y N
   Get,      // get NAME
+  Clip,     // clip TEXT
 };
 
 // One parsed line of a script. Only the fields of its verb are meaningful.
@@ -42,7 +43,7 @@ struct ScriptCommand {
   int16_t Shift = kShiftAsHeld;  // Shift 1, Ctrl 2, Alt 4
   int64_t Milliseconds = 0;
   std::vector<int16_t> Characters;  // text: one KeyPress code per character
-  std::string Argument;             // prop: "Name=Value"; shot: the file; get: the name
+  std::string Argument;  // prop: "Name=Value"; shot: the file; get: the name; clip: the text
 };
 
 }  // namespace velt::tool

@@ -12,6 +12,7 @@
 #include "velt/controls/range/veltScrollBar.hpp"
 #include "velt/controls/range/veltSlider.hpp"
 #include "velt/controls/text/veltLabel.hpp"
+#include "velt/controls/text/veltTextBox.hpp"
 #include "velt/controls/veltTab.hpp"
 #include "velt/foundation/ControlFrame.hpp"
 #include "velt/platform/Error.hpp"
@@ -364,6 +365,31 @@ ControlClass listboxClass() {
       listboxItems());
 }
 
+ControlClass textBoxClass() {
+  using T = veltTextBox;
+  return ControlClass("veltTextBox", SizeL{120, 21}, [] { return std::make_shared<T>(); },
+                      {color<T>("BackColor", &T::BackColor, &T::BackColor),
+                       color<T>("ForeColor", &T::ForeColor, &T::ForeColor),
+                       boolean<T>("Enabled", &T::Enabled, &T::Enabled),
+                       font<T>("Font", &T::Font, &T::Font),
+                       integer<T>("Alignment", &T::Alignment, &T::Alignment),
+                       text<T>("Text", &T::Text, &T::Text),
+                       boolean<T>("AutoSelect", &T::AutoSelect, &T::AutoSelect),
+                       longValue<T>("SelLength", &T::SelLength, &T::SelLength),
+                       longValue<T>("SelStart", &T::SelStart, &T::SelStart),
+                       text<T>("PasswordChar", &T::PasswordChar, &T::PasswordChar),
+                       boolean<T>("RightToLeft", &T::RightToLeft, &T::RightToLeft),
+                       boolean<T>("Locked", &T::Locked, &T::Locked),
+                       longValue<T>("DataFormat", &T::DataFormat, &T::DataFormat),
+                       color<T>("SelectionColor", &T::SelectionColor, &T::SelectionColor),
+                       text<T>("textCut", &T::textCut, &T::textCut),
+                       text<T>("textCopy", &T::textCopy, &T::textCopy),
+                       text<T>("textPaste", &T::textPaste, &T::textPaste),
+                       text<T>("textDelete", &T::textDelete, &T::textDelete),
+                       text<T>("textSelectAll", &T::textSelectAll, &T::textSelectAll),
+                       longValue<T>("MaxLength", &T::MaxLength, &T::MaxLength)});
+}
+
 ControlClass tabClass() {
   return ControlClass("veltTab", SizeL{40, 40}, [] { return std::make_shared<veltTab>(); }, {});
 }
@@ -371,9 +397,10 @@ ControlClass tabClass() {
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry(
-      {buttonClass(), glyphButtonClass(), progressBarClass(), scrollBarClass(), sliderClass(),
-       popupMenuClass(), labelClass(), colorPickerClass(), listboxClass(), tabClass()});
+  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
+                                         scrollBarClass(), sliderClass(), popupMenuClass(),
+                                         labelClass(), colorPickerClass(), listboxClass(),
+                                         tabClass(), textBoxClass()});
   return registry;
 }
 
