@@ -264,9 +264,7 @@ bool SingleLineEdit::CaretShown() const {
   return host_ && focused_ && blinkOn_ && host_->Enabled();
 }
 
-void SingleLineEdit::keepCaretInView() {
-  if (!host_) return;
-  const Line shown = line();
+void SingleLineEdit::keepCaretInView(const Line& shown) {
   const int32_t room = host_->Surface().ScaleWidth() - 2 * kPadding;
   const int32_t content = shown.width + 1;
   if (content <= room) {
@@ -281,8 +279,15 @@ void SingleLineEdit::keepCaretInView() {
 
 void SingleLineEdit::afterCaretMove() {
   restartBlink();
-  keepCaretInView();
-  repaint();
+  refresh();
+}
+
+// The line is laid out once for both the scrolling and the painting.
+void SingleLineEdit::refresh() {
+  if (!host_) return;
+  const Line shown = line();
+  keepCaretInView(shown);
+  paint(shown);
 }
 
 void SingleLineEdit::afterEdit(bool changed) {
@@ -297,10 +302,12 @@ void SingleLineEdit::raiseChange() {
 // ---- Painting ---------------------------------------------------------------
 
 void SingleLineEdit::repaint() {
-  if (!host_) return;
+  if (host_) paint(line());
+}
+
+void SingleLineEdit::paint(const Line& shown) {
   Canvas& canvas = surface();
   canvas.BackColor(backColor_);
-  const Line shown = line();
   const int32_t left = lineLeft(shown);
   if (focused_ && composition_.empty()) paintSelection(canvas, shown, left);
   canvas.ForeColor(foreColor_);
@@ -363,8 +370,7 @@ void SingleLineEdit::InitProperties() {
 }
 
 void SingleLineEdit::Resize() {
-  keepCaretInView();
-  repaint();
+  refresh();
 }
 
 void SingleLineEdit::Terminate() {

@@ -139,11 +139,13 @@ class SingleLineEdit : public UserControl, public std::enable_shared_from_this<S
   std::vector<int32_t> clusterStops() const;
   int32_t lineLeft(const Line& line) const;
   int32_t positionAt(float x) const;
-  void keepCaretInView();
+  void keepCaretInView(const Line& shown);
+  void refresh();
   void afterCaretMove();
   void afterEdit(bool changed);
   void restartBlink();
   void repaint();
+  void paint(const Line& shown);
   void paintSelection(Canvas& canvas, const Line& line, int32_t left) const;
 
   void moveHorizontally(bool forward, bool byWord, bool extend);
