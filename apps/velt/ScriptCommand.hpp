@@ -8,24 +8,25 @@ namespace velt::tool {
 
 // What a line of an input script asks for.
 enum class ScriptVerb {
-  Move,     // move X Y
-  Down,     // down B X Y
-  Up,       // up B X Y
-  Click,    // click X Y
-  KeyDown,  // keydown CODE [SHIFT]
-  KeyUp,    // keyup CODE [SHIFT]
-  Key,      // key CODE
-  Char,     // char CODE
-  Text,     // text STRING
-  Wait,     // wait MS
-  Focus,    // focus
-  Blur,     // blur
-  Prop,     // prop Name=Value
-  Shot,     // shot FILE.png
-  Menu,     // menu X Y
-  Wheel,    // wheel X Y N
-  Get,      // get NAME
-  Clip,     // clip TEXT
+  Move,      // move X Y
+  Down,      // down B X Y
+  Up,        // up B X Y
+  Click,     // click X Y
+  DblClick,  // dblclick X Y
+  KeyDown,   // keydown CODE [SHIFT]
+  KeyUp,     // keyup CODE [SHIFT]
+  Key,       // key CODE
+  Char,      // char CODE
+  Text,      // text STRING
+  Wait,      // wait MS
+  Focus,     // focus
+  Blur,      // blur
+  Prop,      // prop Name=Value
+  Shot,      // shot FILE.png
+  Menu,      // menu X Y
+  Wheel,     // wheel X Y N
+  Get,       // get NAME
+  Clip,      // clip TEXT
 };
 
 // One parsed line of a script. Only the fields of its verb are meaningful.

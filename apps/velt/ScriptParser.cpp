@@ -19,11 +19,12 @@ struct VerbInfo {
   const char* usage;
 };
 
-constexpr std::array<VerbInfo, 18> kVerbs = {{
+constexpr std::array<VerbInfo, 19> kVerbs = {{
     {"move", ScriptVerb::Move, "move X Y"},
     {"down", ScriptVerb::Down, "down B X Y"},
     {"up", ScriptVerb::Up, "up B X Y"},
     {"click", ScriptVerb::Click, "click X Y"},
+    {"dblclick", ScriptVerb::DblClick, "dblclick X Y"},
     {"keydown", ScriptVerb::KeyDown, "keydown CODE [SHIFT]"},
     {"keyup", ScriptVerb::KeyUp, "keyup CODE [SHIFT]"},
     {"key", ScriptVerb::Key, "key CODE"},
@@ -225,6 +226,7 @@ void readArguments(CommandReader& in, ScriptCommand& command) {
       [[fallthrough]];
     case ScriptVerb::Move:
     case ScriptVerb::Click:
+    case ScriptVerb::DblClick:
     case ScriptVerb::Menu:
       in.Point(command);
       break;

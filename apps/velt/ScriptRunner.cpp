@@ -157,8 +157,13 @@ void ScriptRunner::post(const ScriptCommand& command, size_t index) {
       postPress(command.Verb == ScriptVerb::Down, command.Button, onScreen(command), index);
       break;
     case ScriptVerb::Click:
-      postPress(true, kLeftButton, onScreen(command), index);
-      postPress(false, kLeftButton, onScreen(command), index);
+    case ScriptVerb::DblClick:
+      // The clock stands still between the posted presses, so two in a row
+      // make the double click.
+      for (int press = command.Verb == ScriptVerb::Click ? 1 : 2; press > 0; --press) {
+        postPress(true, kLeftButton, onScreen(command), index);
+        postPress(false, kLeftButton, onScreen(command), index);
+      }
       break;
     case ScriptVerb::KeyDown:
     case ScriptVerb::KeyUp:

@@ -74,6 +74,7 @@ form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
   down B X Y            press button B there (the pointer moves there first)
   up B X Y              release button B there (the pointer moves there first)
   click X Y             down 1 X Y, then up 1 X Y
+  dblclick X Y          two clicks there at one instant: a double click
   keydown CODE [SHIFT]  a key goes down (CODE: virtual key code 0..255)
   keyup CODE [SHIFT]    a key comes up
   key CODE              keydown, the KeyPress of the character the key types

@@ -40,6 +40,7 @@ TEST(ScriptParserTest, EachCommandFillsItsFields) {
       {"move 12 -3", ScriptVerb::Move, {12, -3, 0, 0, held, 0}},
       {"down 2 &H10 0x20", ScriptVerb::Down, {16, 32, 2, 0, held, 0}},
       {"CLICK 5 6", ScriptVerb::Click, {5, 6, 0, 0, held, 0}},
+      {"dblclick 5 6", ScriptVerb::DblClick, {5, 6, 0, 0, held, 0}},
       {"Menu 10 &H14", ScriptVerb::Menu, {10, 20, 0, 0, held, 0}},
       {"keydown 65 3", ScriptVerb::KeyDown, {0, 0, 0, 65, 3, 0}},
       {"key 13", ScriptVerb::Key, {0, 0, 0, 13, held, 0}},

@@ -62,6 +62,9 @@ class Probe : public UserControl {
   void OnMouseUp(int16_t b, int16_t s, float x, float y) override {
     react(mouse("MouseUp", b, s, x, y), onMouseUp);
   }
+  void OnDblClick(int16_t b, int16_t s, float x, float y) override {
+    record(mouse("DblClick", b, s, x, y));
+  }
   bool OnMouseWheel(int16_t n, int16_t s, float x, float y) override {
     record(mouse("MouseWheel", n, s, x, y));
     return scrolls;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -92,6 +93,47 @@ TEST_F(RoutingTest, CaptureKeepsMovesAndTheReleaseWithThePressedSite) {
 
 // The wheel goes where the pointer is, whoever holds the capture; a part that
 // does not scroll passes the turn to its parent.
+// The second press of a pair within the time and distance is a double click,
+// told after its MouseDown to the site that took both presses; a third press
+// starts a new pair.
+TEST_F(RoutingTest, DoubleClicksPairPressesCloseInTimeAndPlaceOnOneSite) {
+  add("A", 0, 0, 20, 40);
+  add("B", 20, 0, 30, 40);
+  struct Second {
+    int64_t afterMs;
+    int32_t x, y;
+    int16_t button;
+    bool doubled;
+  };
+  for (const Second& second :
+       {Second{0, 21, 10, 1, false}, Second{0, 17, 10, 1, true}, Second{500, 13, 6, 1, true},
+        Second{501, 17, 10, 1, false}, Second{0, 17, 15, 1, false}, Second{0, 17, 10, 2, false}}) {
+    journal.clear();
+    system->PostWait(1000);
+    system->PostMouseDown(1, 17, 10);
+    system->PostMouseUp(1, 17, 10);
+    system->PostWait(second.afterMs);
+    system->PostMouseDown(second.button, second.x, second.y);
+    system->PostMouseUp(second.button, second.x, second.y);
+    system->RunUntilIdle();
+    const bool doubled = std::count_if(journal.begin(), journal.end(), [](const std::string& c) {
+                           return c.find("DblClick") != std::string::npos;
+                         }) == 1;
+    EXPECT_EQ(doubled, second.doubled) << second.afterMs << "ms at " << second.x << "," << second.y;
+  }
+  journal.clear();
+  for (int press = 0; press < 4; ++press) {
+    system->PostMouseDown(1, 5, 5);
+    system->PostMouseUp(1, 5, 5);
+  }
+  system->RunUntilIdle();
+  const Calls pair{"A:MouseDown 1 0 5 5", "A:MouseUp 1 0 5 5", "A:MouseDown 1 0 5 5",
+                   "A:DblClick 1 0 5 5", "A:MouseUp 1 0 5 5"};
+  Calls twoPairs = pair;
+  twoPairs.insert(twoPairs.end(), pair.begin(), pair.end());
+  EXPECT_EQ(journal, twoPairs);
+}
+
 TEST_F(RoutingTest, TheWheelGoesUnderThePointerAndUpToAControlThatScrolls) {
   form->MoveWindow(100, 100);
   Site& over = add("Over", 10, 10, 40, 40);

@@ -292,7 +292,8 @@ TEST_F(veltTextBoxTest, ScrollingKeepsTheCaretInViewWhileTypingMovingAndDragging
   EXPECT_EQ(box->SelLength(), after);
 }
 
-TEST_F(veltTextBoxTest, CaretBlinksOnlyWithFocusAndEnabledAndAClickPlacesIt) {
+TEST_F(veltTextBoxTest,
+       CaretBlinksOnlyWithFocusAndEnabledAClickPlacesItAndADoubleClickTakesTheWord) {
   add(200, "Hello");
   box->SelStart(5);  // after the text, where no letter is drawn
   EXPECT_FALSE(edit().CaretShown());
@@ -311,6 +312,11 @@ TEST_F(veltTextBoxTest, CaretBlinksOnlyWithFocusAndEnabledAndAClickPlacesIt) {
   hf.system->PostMouseUp(1, 10 + 2 + SingleLineEdit::kPadding + stops[3].x - 1, 15);
   hf.Run();
   EXPECT_EQ(box->SelStart(), 3);
+  // A double click there selects the word; the release does not change it.
+  hf.system->PostMouseDown(1, 10 + 2 + SingleLineEdit::kPadding + stops[3].x - 1, 15);
+  hf.system->PostMouseUp(1, 10 + 2 + SingleLineEdit::kPadding + stops[3].x - 1, 15);
+  hf.Run();
+  EXPECT_EQ(edit().SelText(), "Hello");
   box->Enabled(false);
   EXPECT_FALSE(edit().CaretShown());
   EXPECT_EQ(edit().ForeColor(), box->Colors()[7]);  // the disabled text colour

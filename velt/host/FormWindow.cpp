@@ -259,6 +259,11 @@ void FormWindow::OnMouseUp(int16_t button, int16_t shift, int32_t x, int32_t y) 
   router_.MouseUp(button, shift, PointL{x, y});
 }
 
+void FormWindow::OnDblClick(int16_t button, int16_t shift, int32_t x, int32_t y) {
+  DispatchScope scope = Enter();
+  router_.DblClick(button, shift, PointL{x, y});
+}
+
 void FormWindow::OnMouseWheel(int16_t notches, int16_t shift, int32_t x, int32_t y) {
   DispatchScope scope = Enter();
   router_.MouseWheel(notches, shift, PointL{x, y});

@@ -89,6 +89,7 @@ class FormWindow final : public WindowSystem::FormClient,
   void OnMouseDown(int16_t button, int16_t shift, int32_t x, int32_t y) override;
   void OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) override;
   void OnMouseUp(int16_t button, int16_t shift, int32_t x, int32_t y) override;
+  void OnDblClick(int16_t button, int16_t shift, int32_t x, int32_t y) override;
   void OnKeyDown(int16_t keyCode, int16_t shift) override;
   void OnKeyUp(int16_t keyCode, int16_t shift) override;
   void OnKeyPress(int16_t charCode) override;

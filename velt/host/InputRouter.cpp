@@ -1,6 +1,7 @@
 #include "velt/host/InputRouter.hpp"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "velt/host/FormWindow.hpp"
@@ -63,6 +64,7 @@ void InputRouter::MouseDown(int16_t button, int16_t shift, PointL point) {
     capture_ = site;
   }
   pressed_ |= button;
+  previousPress_ = std::exchange(latestPress_, site);
   if (!site || !site->ReceivesInput()) return;
   if (Focused() != site.get()) Focus(site);
   // A focus handler may have removed or disabled it.
@@ -91,6 +93,14 @@ void InputRouter::MouseUp(int16_t button, int16_t shift, PointL point) {
   const LocalPoint local = localPoint(*site, point);
   std::shared_ptr<UserControl> control = site->Control();
   control->OnMouseUp(button, shift, local.x, local.y);
+}
+
+void InputRouter::DblClick(int16_t button, int16_t shift, PointL point) {
+  std::shared_ptr<Site> site = latestPress_.lock();
+  if (!site || site != previousPress_.lock() || !site->ReceivesInput()) return;
+  const LocalPoint local = localPoint(*site, point);
+  std::shared_ptr<UserControl> control = site->Control();
+  control->OnDblClick(button, shift, local.x, local.y);
 }
 
 void InputRouter::MouseWheel(int16_t notches, int16_t shift, PointL point) {
@@ -167,6 +177,8 @@ std::shared_ptr<Site> InputRouter::SiteAt(PointL point) const {
 void InputRouter::Reset() {
   focus_.reset();
   capture_.reset();
+  latestPress_.reset();
+  previousPress_.reset();
   capturing_ = false;
   pressed_ = 0;
 }

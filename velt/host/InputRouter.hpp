@@ -33,6 +33,9 @@ class InputRouter {
   void MouseDown(int16_t button, int16_t shift, PointL point);
   void MouseMove(int16_t button, int16_t shift, PointL point);  // button: the mask held
   void MouseUp(int16_t button, int16_t shift, PointL point);
+  // The press just routed was the second of a double click: the site that
+  // took it hears DblClick when it also took the first press.
+  void DblClick(int16_t button, int16_t shift, PointL point);
   // To the site under the pointer (never the capture); a control that does
   // not scroll passes the turn on to its parent, and so on up.
   void MouseWheel(int16_t notches, int16_t shift, PointL point);
@@ -59,7 +62,9 @@ class InputRouter {
 
   FormWindow& form_;
   std::weak_ptr<Site> focus_;
-  std::weak_ptr<Site> capture_;  // empty while capturing: the bare form holds it
+  std::weak_ptr<Site> latestPress_;    // took the latest press
+  std::weak_ptr<Site> previousPress_;  // took the one before it
+  std::weak_ptr<Site> capture_;        // empty while capturing: the bare form holds it
   bool capturing_ = false;
   int32_t pressed_ = 0;
 };

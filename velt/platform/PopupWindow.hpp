@@ -57,6 +57,8 @@ class PopupWindow : public TopLevelWindow {
   Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> MouseDown;
   Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> MouseMove;
   Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> MouseUp;
+  // The press just raised as MouseDown was the second of a double click.
+  Event<int16_t /*Button*/, int16_t /*Shift*/, float /*X*/, float /*Y*/> DblClick;
   // A press and release of the left button on the window, after MouseUp.
   Event<> Click;
   // The wheel turned over the window, in notches positive away from the user.

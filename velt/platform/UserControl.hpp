@@ -32,6 +32,9 @@ class UserControl {
   virtual void OnMouseDown(int16_t button, int16_t shift, float x, float y) = 0;
   virtual void OnMouseMove(int16_t button, int16_t shift, float x, float y) = 0;
   virtual void OnMouseUp(int16_t button, int16_t shift, float x, float y) = 0;
+  // The press just delivered to OnMouseDown was the second of a double click
+  // on this control.
+  virtual void OnDblClick(int16_t /*button*/, int16_t /*shift*/, float /*x*/, float /*y*/) {}
   // The mouse wheel turned `notches` notches over the control (positive away
   // from the user). A control that does not scroll returns false and the
   // container offers the turn to the control's parent.

@@ -1,6 +1,7 @@
 #include "velt/platform/WindowSystem.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "velt/platform/Error.hpp"
@@ -148,7 +149,7 @@ void WindowSystem::runPostedWork() {
   }
 }
 
-void WindowSystem::deliverMouseDown(int16_t button, int16_t shift, PointL screen) {
+void WindowSystem::deliverMouseDown(int16_t button, int16_t shift, PointL screen, int32_t clicks) {
   auto self = weak_from_this().lock();
   Target target = mouseTarget(screen);
   if (!capturing_) {
@@ -156,19 +157,42 @@ void WindowSystem::deliverMouseDown(int16_t button, int16_t shift, PointL screen
     captureForm_ = target.form;
     capturePopup_ = target.popup;
   }
+  const bool doubleClick = isDoubleClick(button, screen, clicks, target);
   activate(target);
   if (std::shared_ptr<PopupWindow> popup = target.popup) {
     if (button == kVkLeftButton) clickPopup_ = popup;
     if (!popup->Visible()) return;
     auto hold = popup->HoldOwner();
     const RectL rect = popup->WindowRect();
-    popup->MouseDown.Raise(button, shift, relative(screen.x, rect.Left),
-                           relative(screen.y, rect.Top));
+    const float x = relative(screen.x, rect.Left);
+    const float y = relative(screen.y, rect.Top);
+    popup->MouseDown.Raise(button, shift, x, y);
+    if (doubleClick && popup->Visible()) popup->DblClick.Raise(button, shift, x, y);
   } else if (target.form && attached(target.form)) {
     const RectL rect = target.form->ScreenRect();
     target.form->OnMouseDown(button, shift, screen.x - rect.Left, screen.y - rect.Top);
+    if (doubleClick && attached(target.form))
+      target.form->OnDblClick(button, shift, screen.x - rect.Left, screen.y - rect.Top);
   }
   RefreshPointer();
+}
+
+bool WindowSystem::isDoubleClick(int16_t button, PointL screen, int32_t clicks,
+                                 const Target& target) {
+  const void* window = target.popup ? static_cast<const void*>(target.popup.get())
+                                    : static_cast<const void*>(target.form);
+  const int64_t now = NowMs();
+  bool second = false;
+  if (clicks > 0) {
+    second = clicks % 2 == 0 && window == lastPress_.window;
+  } else {
+    second = !lastPress_.ended && button == lastPress_.button && window == lastPress_.window &&
+             now - lastPress_.timeMs <= kDoubleClickMs &&
+             std::abs(screen.x - lastPress_.point.x) <= kDoubleClickDistance &&
+             std::abs(screen.y - lastPress_.point.y) <= kDoubleClickDistance;
+  }
+  lastPress_ = Press{button, screen, now, window, second};
+  return second;
 }
 
 void WindowSystem::deliverMouseMove(int16_t shift, PointL screen) {

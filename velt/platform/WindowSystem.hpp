@@ -50,6 +50,8 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     // Button is the mask of the buttons held (1 left, 2 right, 4 middle).
     virtual void OnMouseMove(int16_t button, int16_t shift, int32_t x, int32_t y) = 0;
     virtual void OnMouseUp(int16_t button, int16_t shift, int32_t x, int32_t y) = 0;
+    // The press just delivered to OnMouseDown was the second of a double click.
+    virtual void OnDblClick(int16_t /*button*/, int16_t /*shift*/, int32_t /*x*/, int32_t /*y*/) {}
     virtual void OnKeyDown(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyUp(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyPress(int16_t charCode) = 0;
@@ -84,6 +86,12 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     FormClient* form = nullptr;
     std::shared_ptr<PopupWindow> popup;
   };
+
+  // Two presses of one button on one window make a double click when the
+  // second comes within this time and this many pixels (each way) of the
+  // first; a third press starts counting anew.
+  static constexpr int32_t kDoubleClickMs = 500;
+  static constexpr int32_t kDoubleClickDistance = 4;
 
   // GetAsyncKeyState's "held" bit.
   static constexpr int16_t kKeyHeld = static_cast<int16_t>(0x8000);
@@ -156,8 +164,10 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
 
  protected:
   // Input in screen pixels, routed as described above. The backend updates
-  // the pointer and the buttons before calling these.
-  void deliverMouseDown(int16_t button, int16_t shift, PointL screen);
+  // the pointer and the buttons before calling these. A backend that counts
+  // quick presses itself (as a desktop does, with its own double-click time)
+  // passes its count in `clicks`; with 0 the presses are timed on the clock.
+  void deliverMouseDown(int16_t button, int16_t shift, PointL screen, int32_t clicks = 0);
   void deliverMouseMove(int16_t shift, PointL screen);
   void deliverMouseUp(int16_t button, int16_t shift, PointL screen);
   // The wheel goes to the window under the pointer, not to the one holding
@@ -211,6 +221,7 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   void activate(const Target& target);
   void focusPopup(const std::shared_ptr<PopupWindow>& popup);
   FormClient* keyTarget() const;
+  bool isDoubleClick(int16_t button, PointL screen, int32_t clicks, const Target& target);
 
   std::unique_ptr<velt::Clock> clock_;
   TimerQueue timers_;
@@ -227,6 +238,13 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   std::unique_ptr<velt::Clipboard> clipboard_;
   int32_t timerFloorMs_ = 1;
   PointerLook pointer_;
+  struct Press {
+    int16_t button = 0;
+    PointL point{};
+    int64_t timeMs = 0;
+    const void* window = nullptr;
+    bool ended = true;  // a double click ends the run: the next press is a first one
+  } lastPress_;
 };
 
 }  // namespace velt

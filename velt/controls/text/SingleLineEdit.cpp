@@ -408,6 +408,13 @@ void SingleLineEdit::OnMouseUp(int16_t button, int16_t /*shift*/, float /*x*/, f
   if (dragTimer_) dragTimer_->Enabled(false);
 }
 
+void SingleLineEdit::OnDblClick(int16_t button, int16_t /*shift*/, float x, float /*y*/) {
+  if (button != kLeftButton || !host_) return;
+  dragging_ = false;  // the second press's drag would undo the word
+  if (dragTimer_) dragTimer_->Enabled(false);
+  SelectWordAt(x);
+}
+
 // While the pointer is held past an edge, the selection grows one cluster a
 // tick towards it, scrolling the line.
 void SingleLineEdit::dragTick() {

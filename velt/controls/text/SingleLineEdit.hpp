@@ -116,6 +116,8 @@ class SingleLineEdit : public UserControl, public std::enable_shared_from_this<S
   void OnMouseDown(int16_t button, int16_t shift, float x, float y) override;
   void OnMouseMove(int16_t button, int16_t shift, float x, float y) override;
   void OnMouseUp(int16_t button, int16_t shift, float x, float y) override;
+  // A double click with the left button selects the word under the pointer.
+  void OnDblClick(int16_t button, int16_t shift, float x, float y) override;
   void OnKeyDown(int16_t& keyCode, int16_t& shift) override;
   void OnKeyUp(int16_t& keyCode, int16_t& shift) override;
   void OnKeyPress(int16_t& keyAscii) override;

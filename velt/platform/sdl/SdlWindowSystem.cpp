@@ -21,10 +21,12 @@ namespace velt {
 namespace {
 
 constexpr int16_t kVkTab = 9;
-// As on the desktops the controls come from, a window timer fires at most
-// this often: a 1 ms hover timer would otherwise wake the loop a thousand
-// times a second.
-constexpr int32_t kTimerFloorMs = 10;
+// As on the desktops the controls come from, whose window timers fire on the
+// system's 15.6 ms tick, a window timer fires at most this often: a 1 ms
+// hover timer would otherwise wake the loop a thousand times a second.
+constexpr int32_t kTimerFloorMs = 16;
+// The display is read at least this often even while it seems quiet.
+constexpr int64_t kQuietReadMs = 100;
 // Bounds one DoEvents when input floods in faster than it is handled.
 constexpr int kMaxEventsPerPump = 256;
 
@@ -114,6 +116,7 @@ void SdlWindowSystem::formAttached(FormClient& form) {
   FormFrame entry;
   entry.form = &form;
   entry.frame = std::make_unique<SdlFrame>(SdlFrame::Kind::Form, form.Caption(), form.ScreenRect());
+  displayWait_.Attach(entry.frame->Window());
   forms_.push_back(std::move(entry));
   pacer_.Invalidate();
 }
@@ -193,10 +196,16 @@ void SdlWindowSystem::Present() {
 // Reading the display is a round of system calls. A DoEvents run from inside
 // a timer tick comes in the same millisecond as the loop's own, when SDL's
 // queue is as fresh as it gets, so the display is read at most once a
-// millisecond; the queue itself is always emptied.
+// millisecond, and after a sleep the display stayed quiet through only now
+// and then (what the connection library read for itself cannot be seen from
+// here); the queue itself is always emptied.
 void SdlWindowSystem::pumpEvents() {
+  const bool quiet = std::exchange(displayQuiet_, false);
   if (const int64_t now = NowMs(); now != lastPumpMs_) {
-    SDL_PumpEvents();
+    if (!quiet || now - lastReadMs_ >= kQuietReadMs) {
+      SDL_PumpEvents();
+      lastReadMs_ = now;
+    }
     lastPumpMs_ = now;
   }
   SDL_Event event;
@@ -239,8 +248,10 @@ void SdlWindowSystem::waitForWork() {
   // SDL reads the display before and after a wait, a round of system calls
   // that costs more than a wait of a timer period saves; such a wait sleeps,
   // and input waits for it at most that long.
+  // A present talks to the display and may leave events read on the way.
+  const bool presented = std::exchange(presentedSinceWait_, false);
   if (wait && *wait <= kTimerFloorMs)
-    SDL_Delay(static_cast<uint32_t>(*wait));
+    displayQuiet_ = displayWait_.Sleep(*wait) && !presented;
   else if (wait)
     SDL_WaitEventTimeout(nullptr, static_cast<int>(std::min<int64_t>(*wait, INT_MAX)));
   else
@@ -281,6 +292,7 @@ void SdlWindowSystem::present(bool force) {
   for (SdlPopupWindow* popup : popups_)
     if (popup->Present(force)) ++drawCount_;
   pacer_.Presented(NowMs());
+  presentedSinceWait_ = true;
   // Told after the loop: the focus handlers run here may change the windows.
   for (FormClient* form : shown)
     if (formFrame(*form)) form->WindowShown();
@@ -427,7 +439,7 @@ void SdlWindowSystem::onButton(const SDL_MouseButtonEvent& event, bool down) {
     // Releases outside the window then still arrive, as the routing's capture expects.
     if (buttons_ == 0) SDL_CaptureMouse(SDL_TRUE);
     buttons_ |= button;
-    deliverMouseDown(button, shift, screen);
+    deliverMouseDown(button, shift, screen, event.clicks);
   } else {
     buttons_ &= ~static_cast<int32_t>(button);
     if (buttons_ == 0) SDL_CaptureMouse(SDL_FALSE);

@@ -10,6 +10,7 @@
 #include "velt/platform/Geometry.hpp"
 #include "velt/platform/WindowSystem.hpp"
 #include "velt/platform/sdl/PresentPacer.hpp"
+#include "velt/platform/sdl/SdlDisplayWait.hpp"
 
 union SDL_Event;
 struct SDL_Cursor;
@@ -139,6 +140,9 @@ class SdlWindowSystem final : public WindowSystem {
   std::unique_ptr<SdlVideo> video_;  // first in, last out: everything below needs it
   std::unique_ptr<SdlClipboard> clipboard_;
   PresentPacer pacer_;
+  SdlDisplayWait displayWait_;
+  bool displayQuiet_ = false;  // the last sleep ended with nothing from the display
+  bool presentedSinceWait_ = false;
   std::vector<FormFrame> forms_;
   std::vector<SdlPopupWindow*> popups_;
   SizeL screen_;
@@ -150,6 +154,7 @@ class SdlWindowSystem final : public WindowSystem {
   bool quit_ = false;
   uint64_t drawCount_ = 0;
   int64_t lastPumpMs_ = -1;
+  int64_t lastReadMs_ = -1;  // when SDL last read the display
   // SDL cursors by shape, made when first shown; the custom one is remade for
   // each new picture.
   std::vector<std::pair<int16_t, SDL_Cursor*>> cursors_;
