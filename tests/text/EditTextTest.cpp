@@ -32,6 +32,8 @@ TEST(EditTextTest, PositionsCountCodePointsAndMalformedTextIsRefused) {
     EXPECT_NE(message.find("Box.Text"), std::string::npos) << message;
   }
   EXPECT_EQ(edit.Utf8(), "Grüße 😀x");  // a refused text changes nothing
+  // Text from the desktop is taken with replacements instead.
+  EXPECT_EQ(CodePointsReplacing(std::string("a\xFF\0b", 4)), U"a\uFFFDb");
 }
 
 TEST(EditTextTest, ARunOfTypingIsOneUndoStepAndRedoFollowsUntilTheNextEdit) {

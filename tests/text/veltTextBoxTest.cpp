@@ -290,6 +290,13 @@ TEST_F(veltTextBoxTest, ScrollingKeepsTheCaretInViewWhileTypingMovingAndDragging
   const int32_t after = box->SelLength();
   hf.Tick(10 * SingleLineEdit::kDragScrollMs);
   EXPECT_EQ(box->SelLength(), after);
+  // Right to left: a line that fits stands at the right end, read from there.
+  box->RightToLeft(true);
+  box->Text("\xD7\x90\xD7\x91\xD7\x92");
+  const int32_t right = width - SingleLineEdit::kPadding - 1;
+  EXPECT_EQ(edit().CaretX(), right);
+  key(35 /*End*/);
+  EXPECT_EQ(edit().CaretX(), right - editSite->Image().TextWidth("\xD7\x90\xD7\x91\xD7\x92"));
 }
 
 TEST_F(veltTextBoxTest,

@@ -37,6 +37,17 @@ std::u32string CodePointsOf(std::string_view text, const char* where) {
   return chars;
 }
 
+std::u32string CodePointsReplacing(std::string_view text) {
+  std::u32string chars;
+  chars.reserve(text.size());
+  for (size_t at = 0; at < text.size();) {
+    const Utf8::Decoded decoded = Utf8::DecodeAt(text, at);
+    if (decoded.codePoint != 0) chars += decoded.codePoint;
+    at += decoded.length;
+  }
+  return chars;
+}
+
 std::string Utf8Of(std::u32string_view chars) {
   std::string text;
   text.reserve(chars.size());

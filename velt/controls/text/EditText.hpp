@@ -102,5 +102,8 @@ class EditText {
 // or holds a NUL character.
 std::u32string CodePointsOf(std::string_view text, const char* where);
 std::string Utf8Of(std::u32string_view chars);
+// Text from outside (the desktop's clipboard, an input method) as code points:
+// malformed bytes become U+FFFD and NUL characters are dropped.
+std::u32string CodePointsReplacing(std::string_view text);
 
 }  // namespace velt

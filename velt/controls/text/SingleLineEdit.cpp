@@ -72,8 +72,7 @@ void SingleLineEdit::Text(const std::string& text) {
 
 void SingleLineEdit::SelStart(int32_t start) {
   checkNotNegative(start, "SingleLineEdit.SelStart");
-  const int32_t length = text_.SelLength();
-  text_.Select(start, std::min(length, std::max(text_.Length() - start, 0)));
+  text_.Select(start, 0);
   afterCaretMove();
 }
 
@@ -139,7 +138,7 @@ void SingleLineEdit::Paste() {
   if (locked_) return;
   std::string pasted = firstLine(host().Clipboard().GetText());
   RaiseEvent(host(), "PasteText", PasteText, pasted);
-  afterEdit(text_.Paste(CodePointsOf(pasted, "SingleLineEdit.Paste"), maxLength_));
+  afterEdit(text_.Paste(CodePointsReplacing(pasted), maxLength_));
 }
 
 void SingleLineEdit::Undo() {
@@ -450,8 +449,7 @@ void SingleLineEdit::OnKeyPress(int16_t& keyAscii) {
 
 void SingleLineEdit::OnComposition(const std::string& text) {
   if (locked_) return;
-  CodePointsOf(text, "SingleLineEdit composition");  // refuse malformed text before showing it
-  composition_ = text;
+  composition_ = Utf8Of(CodePointsReplacing(text));
   afterCaretMove();
 }
 

@@ -50,7 +50,8 @@ class SingleLineEdit : public UserControl, public std::enable_shared_from_this<S
 
   // Properties. Text (error 380 for malformed UTF-8 or a NUL) puts the caret
   // at 0 and clears the undo history. SelStart and SelLength are clipped to
-  // the text; SelStart keeps the length where it fits. Negative values, an
+  // the text; SelStart makes the selection an insertion point, as the classic
+  // text box does, so SelLength is set after it. Negative values, an
   // Alignment outside 0..2 and a negative MaxLength are error 380.
   const std::string& Text() const { return text_.Utf8(); }
   void Text(const std::string& text);
