@@ -15,6 +15,7 @@
 #include "velt/controls/range/veltScrollBar.hpp"
 #include "velt/controls/range/veltSlider.hpp"
 #include "velt/controls/text/veltLabel.hpp"
+#include "velt/controls/text/veltTextBox.hpp"
 #include "velt/controls/veltTab.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -61,6 +62,7 @@ Gallery::Gallery(std::shared_ptr<WindowSystem> system)
   addListboxes(510);
   addScripts(615);
   addMonthviews(790);
+  addTextBoxes(650);
   form_->FindSite(kFocusedName)->SetFocus();
   startCycle();
 }
@@ -211,6 +213,27 @@ void Gallery::addScripts(int32_t top) {
     add<veltLabel>(name.c_str(), left, top, 78, 20)->Caption(caption);
     left += 84;
   }
+}
+
+// Two rows of text boxes: plain, with filters, masked, locked, disabled and
+// right-aligned.
+void Gallery::addTextBoxes(int32_t top) {
+  heading("headingTextBox", "veltTextBox", top);
+  int column = 0;
+  const auto box = [&](const char* name, const char* text) {
+    auto made =
+        add<veltTextBox>(name, kColumn + (column % 4) * 160, top + (column / 4) * 30, 150, 20);
+    ++column;
+    made->Text(text);
+    return made;
+  };
+  box("textPlain", "Plain text");
+  box("textNumbers", "12345")->DataFormat(df_NumOnly);
+  box("textUpper", "UPPER CASE")->DataFormat(df_UCase);
+  box("textPassword", "secret")->PasswordChar("*");
+  box("textLocked", "Locked text")->Locked(true);
+  box("textDisabled", "Disabled")->Enabled(false);
+  box("textRight", "Right aligned")->Alignment(1);
 }
 
 void Gallery::addPickers(int32_t top) {

@@ -40,7 +40,7 @@ class Gallery {
   // The toolbar spans the top; every other row sits below it.
   static constexpr int32_t kToolbarHeight = 30;
   static constexpr int32_t kWidth = 1030;
-  static constexpr int32_t kHeight = 650 + kToolbarHeight;
+  static constexpr int32_t kHeight = 715 + kToolbarHeight;
   static constexpr const char* kCaption = "veltObjects gallery";
   static constexpr int32_t kCycleInterval = 40;
   static constexpr int16_t kCycleStep = 2;
@@ -77,6 +77,7 @@ class Gallery {
   void addLabels(int32_t top);
   void addPickers(int32_t top);
   void addScripts(int32_t top);
+  void addTextBoxes(int32_t top);
   void addMenu(int32_t top);
   void addListboxes(int32_t top);
   void addMonthviews(int32_t left);

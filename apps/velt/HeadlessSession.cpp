@@ -8,6 +8,7 @@
 #include "apps/velt/FocusSink.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
+#include "velt/platform/Clipboard.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 #include "velt/platform/Png.hpp"
 #include "velt/platform/Variant.hpp"
@@ -55,6 +56,13 @@ void HeadlessSession::PrintShellRequests(std::ostream& out) {
         if (!request.Parameters.empty()) arguments.emplace_back(request.Parameters);
         out << EventLine::Format("shell." + operation, arguments) << std::endl;
       });
+}
+
+void HeadlessSession::PrintClipboard(std::ostream& out) {
+  const Clipboard& clipboard = system_->Clipboard();
+  if (!clipboard.HasText()) return;
+  const std::vector<Variant> arguments{Variant(clipboard.GetText())};
+  out << EventLine::Format("clipboard", arguments) << std::endl;
 }
 
 void HeadlessSession::WritePng(const std::string& path) {

@@ -37,6 +37,8 @@ class HeadlessSession : public ScriptTarget {
   // asks the desktop to open, which a headless run records and does not open:
   // `shell.Open "https://example.org/"`.
   void PrintShellRequests(std::ostream& out);
+  // The clipboard's text as the line clipboard "TEXT", when it holds any.
+  void PrintClipboard(std::ostream& out);
 
   // What a PNG of the session shows.
   virtual Canvas Snapshot() = 0;

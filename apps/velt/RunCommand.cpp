@@ -86,6 +86,7 @@ int RunCommand::runHeadless(const RunOptions& options, const FormFile& file) {
     session.PrintShellRequests(out());
   }
   runner.Run(script);
+  if (options.Events) session.PrintClipboard(out());
   if (options.Out) session.WritePng(*options.Out);
   if (options.Save) {
     session.DropHelpers();

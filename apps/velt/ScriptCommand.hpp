@@ -27,6 +27,7 @@ enum class ScriptVerb {
   Wheel,     // wheel X Y N
   Get,       // get NAME
   Today,     // today YYYY-MM-DD
+  Clip,      // clip TEXT
 };
 
 // One parsed line of a script. Only the fields of its verb are meaningful.
@@ -44,7 +45,8 @@ struct ScriptCommand {
   int16_t Shift = kShiftAsHeld;  // Shift 1, Ctrl 2, Alt 4
   int64_t Milliseconds = 0;
   std::vector<int16_t> Characters;  // text: one KeyPress code per character
-  std::string Argument;  // prop: "Name=Value"; shot: the file; get: the name; today: the date
+  // prop: "Name=Value"; shot: the file; get: the name; today: the date; clip: the text
+  std::string Argument;
 };
 
 }  // namespace velt::tool

@@ -20,7 +20,7 @@ struct VerbInfo {
   const char* usage;
 };
 
-constexpr std::array<VerbInfo, 19> kVerbs = {{
+constexpr std::array<VerbInfo, 20> kVerbs = {{
     {"move", ScriptVerb::Move, "move X Y"},
     {"down", ScriptVerb::Down, "down B X Y"},
     {"up", ScriptVerb::Up, "up B X Y"},
@@ -40,6 +40,7 @@ constexpr std::array<VerbInfo, 19> kVerbs = {{
     {"wheel", ScriptVerb::Wheel, "wheel X Y N"},
     {"get", ScriptVerb::Get, "get NAME"},
     {"today", ScriptVerb::Today, "today YYYY-MM-DD"},
+    {"clip", ScriptVerb::Clip, "clip TEXT"},
 }};
 
 constexpr int64_t kMaxKeyCode = 255;
@@ -147,12 +148,6 @@ std::vector<char32_t> codePoints(std::string_view text) {
   return result;
 }
 
-std::string codePointName(char32_t code) {
-  char name[16];
-  std::snprintf(name, sizeof name, "U+%04X", static_cast<unsigned>(code));
-  return name;
-}
-
 int16_t asCharCode(int64_t code) {
   return static_cast<int16_t>(static_cast<uint16_t>(code));
 }
@@ -250,10 +245,19 @@ void readArguments(CommandReader& in, ScriptCommand& command) {
       command.Code = asCharCode(in.Number("CODE", 0, kMaxCharCode));
       break;
     case ScriptVerb::Text:
+      // A character beyond U+FFFF is two KeyPress codes, as the keyboard gives it.
       for (char32_t code : codePoints(in.Rest("a STRING"))) {
-        if (code > kMaxCharCode) problem("character " + codePointName(code) + " is beyond U+FFFF");
+        if (code > kMaxCharCode) {
+          command.Characters.push_back(asCharCode(0xD800 + ((code - 0x10000) >> 10)));
+          code = 0xDC00 + ((code - 0x10000) & 0x3FF);
+        }
         command.Characters.push_back(asCharCode(code));
       }
+      break;
+    case ScriptVerb::Clip:
+      command.Argument = in.Rest("TEXT");
+      for (const char32_t code : codePoints(command.Argument))
+        if (code == 0) problem("the clipboard takes no NUL character");
       break;
     case ScriptVerb::Wait:
       command.Milliseconds = in.Number("MS", 0, ScriptParser::kMaxWait);

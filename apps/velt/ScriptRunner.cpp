@@ -9,6 +9,7 @@
 #include "apps/velt/ScriptError.hpp"
 #include "apps/velt/ScriptTarget.hpp"
 #include "velt/platform/CalendarDate.hpp"
+#include "velt/platform/Clipboard.hpp"
 #include "velt/platform/Error.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 
@@ -250,6 +251,9 @@ void ScriptRunner::postAction(const ScriptCommand& command, size_t index) {
       break;
     case ScriptVerb::Blur:
       postStep([this] { target_.Blur(); }, index);
+      break;
+    case ScriptVerb::Clip:
+      postStep([this, argument] { system_.Clipboard().SetText(argument); }, index);
       break;
     case ScriptVerb::Prop:
       postStep([this, argument] { target_.SetProperty(PropertyArgument::Parse(argument)); }, index);

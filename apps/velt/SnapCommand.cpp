@@ -105,6 +105,8 @@ form, which are also screen pixels. B: 1 left, 2 right, 4 middle. SHIFT:
                         group) with its corner at X Y; menu 0 0 opens it at
                         the pointer. The next commands arrive while it waits
                         for the buttons to be released
+  clip TEXT             put TEXT on the clipboard (--events prints the
+                        clipboard's text at the end as clipboard "TEXT")
 Numbers are decimal, &H or 0x hexadecimal. The argument of text, prop and shot
 runs to the end of the line; written in JSON double quotes it may hold # and
 escapes. Between two commands the form runs its pending work ("wait 0" runs
@@ -163,6 +165,7 @@ int SnapCommand::run(const SnapOptions& options) {
   session.AddTools(options.Tools);
   session.AddEntries(options.Entries, options.Sorted);
   runner.Run(script);
+  if (options.Events) session.PrintClipboard(out());
   if (options.Out) session.WritePng(*options.Out);
   return kOk;
 }

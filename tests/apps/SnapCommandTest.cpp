@@ -226,6 +226,20 @@ TEST_F(SnapCommandTest, ListEntriesImageStripWheelAndGet) {
   EXPECT_NE(err.str().find("\"Nothing\""), std::string::npos);
 }
 
+// Typing and Ctrl+V go through the number filter (the pasted "a" becomes a
+// space); a right press opens the menu, whose Copy takes the selection.
+TEST_F(SnapCommandTest, TextBoxFiltersTypedAndPastedTextAndItsMenuCopies) {
+  const std::string script =
+      "clip 12a\nfocus\ntext 4a\nkeydown 17\nkey 86\nkeyup 17\nget Text\n"
+      "prop SelStart=0\nprop SelLength=2\ndown 2 10 10\nup 2 10 10\n"
+      "key 40\nkey 40\nkey 13\nwait 5\nget SelLength\n";
+  ASSERT_EQ(run({"veltTextBox", "--prop", "DataFormat=2", "--events", "--input", "-"}, script), 0)
+      << err.str();
+  EXPECT_EQ(out.str(),
+            "KeyPress 52\nKeyPress 0\nKeyDown 17 2\nKeyDown 86 2\nKeyPress 0\nKeyUp 86 2\n"
+            "KeyUp 17 0\nText=\"412 Text1\"\nSelLength=2\nclipboard \"41\"\n");
+}
+
 TEST_F(SnapCommandTest, AFailureWhileRunningKeepsEarlierShotsOnly) {
   const std::string script = "shot " + path("early.png") + "\nprop Enabled=False\nfocus\n";
   EXPECT_EQ(run({"veltButton", "--input", "-", "--out", path("out.png")}, script), 2);

@@ -14,6 +14,7 @@
 #include "velt/controls/range/veltScrollBar.hpp"
 #include "velt/controls/range/veltSlider.hpp"
 #include "velt/controls/text/veltLabel.hpp"
+#include "velt/controls/text/veltTextBox.hpp"
 #include "velt/controls/veltTab.hpp"
 #include "velt/foundation/ControlFrame.hpp"
 #include "velt/platform/Error.hpp"
@@ -477,6 +478,29 @@ ControlClass monthviewClass() {
        storedAs(integer<V>("iYear", &V::iYear, &V::iYear), "Year"),
        text<V>("WeekdayName", &V::WeekdayName, &V::WeekdayName),
        text<V>("MonthName", &V::MonthName, &V::MonthName)});
+ControlClass textBoxClass() {
+  using T = veltTextBox;
+  return ControlClass("veltTextBox", SizeL{120, 21}, [] { return std::make_shared<T>(); },
+                      {color<T>("BackColor", &T::BackColor, &T::BackColor),
+                       color<T>("ForeColor", &T::ForeColor, &T::ForeColor),
+                       boolean<T>("Enabled", &T::Enabled, &T::Enabled),
+                       font<T>("Font", &T::Font, &T::Font),
+                       integer<T>("Alignment", &T::Alignment, &T::Alignment),
+                       text<T>("Text", &T::Text, &T::Text),
+                       boolean<T>("AutoSelect", &T::AutoSelect, &T::AutoSelect),
+                       longValue<T>("SelLength", &T::SelLength, &T::SelLength),
+                       longValue<T>("SelStart", &T::SelStart, &T::SelStart),
+                       text<T>("PasswordChar", &T::PasswordChar, &T::PasswordChar),
+                       boolean<T>("RightToLeft", &T::RightToLeft, &T::RightToLeft),
+                       boolean<T>("Locked", &T::Locked, &T::Locked),
+                       longValue<T>("DataFormat", &T::DataFormat, &T::DataFormat),
+                       color<T>("SelectionColor", &T::SelectionColor, &T::SelectionColor),
+                       text<T>("textCut", &T::textCut, &T::textCut),
+                       text<T>("textCopy", &T::textCopy, &T::textCopy),
+                       text<T>("textPaste", &T::textPaste, &T::textPaste),
+                       text<T>("textDelete", &T::textDelete, &T::textDelete),
+                       text<T>("textSelectAll", &T::textSelectAll, &T::textSelectAll),
+                       longValue<T>("MaxLength", &T::MaxLength, &T::MaxLength)});
 }
 
 ControlClass tabClass() {
@@ -489,7 +513,8 @@ const ControlRegistry& ControlRegistry::Standard() {
   static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
                                          scrollBarClass(), sliderClass(), popupMenuClass(),
                                          labelClass(), colorPickerClass(), listboxClass(),
-                                         tabClass(), monthviewClass(), toolbarClass()});
+                                         tabClass(), monthviewClass(), toolbarClass(),
+                                         textBoxClass()});
   return registry;
 }
 

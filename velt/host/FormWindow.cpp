@@ -284,4 +284,9 @@ void FormWindow::OnKeyPress(int16_t charCode) {
   router_.KeyPress(charCode);
 }
 
+void FormWindow::OnComposition(const std::string& text) {
+  DispatchScope scope = Enter();
+  router_.Composition(text);
+}
+
 }  // namespace velt

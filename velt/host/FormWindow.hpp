@@ -93,6 +93,7 @@ class FormWindow final : public WindowSystem::FormClient,
   void OnKeyDown(int16_t keyCode, int16_t shift) override;
   void OnKeyUp(int16_t keyCode, int16_t shift) override;
   void OnKeyPress(int16_t charCode) override;
+  void OnComposition(const std::string& text) override;
   void OnMouseWheel(int16_t notches, int16_t shift, int32_t x, int32_t y) override;
   std::string Caption() const override { return name_; }
   std::optional<uint64_t> ImageStamp() const override { return stamp_; }

@@ -134,6 +134,13 @@ void InputRouter::KeyPress(int16_t charCode) {
   control->OnKeyPress(charCode);
 }
 
+void InputRouter::Composition(const std::string& text) {
+  std::shared_ptr<Site> site = focus_.lock();
+  if (!site || !site->ReceivesInput()) return;
+  std::shared_ptr<UserControl> control = site->Control();
+  control->OnComposition(text);
+}
+
 void InputRouter::Focus(const std::shared_ptr<Site>& site) {
   std::shared_ptr<Site> old = focus_.lock();
   if (old == site) return;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "velt/platform/Geometry.hpp"
 
@@ -41,6 +42,7 @@ class InputRouter {
   void KeyDown(int16_t keyCode, int16_t shift);
   void KeyUp(int16_t keyCode, int16_t shift);
   void KeyPress(int16_t charCode);
+  void Composition(const std::string& text);
 
   // Moves the focus (nullptr: to no site), telling the sites concerned.
   void Focus(const std::shared_ptr<Site>& site);

@@ -306,6 +306,10 @@ int32_t Site::ShellExecute(const std::string& operation, const std::string& file
   return system->ShellExecute(operation, file, parameters, directory, showCmd);
 }
 
+velt::Clipboard& Site::Clipboard() {
+  return form_.System().Clipboard();
+}
+
 ControlHost& Site::AddChild(std::shared_ptr<UserControl> control, const std::string& name,
                             int32_t left, int32_t top, int32_t width, int32_t height) {
   const RectL bounds = PlacedRect(left, top, width, height);

@@ -129,6 +129,7 @@ class Site final : public ControlHost, public std::enable_shared_from_this<Site>
   int32_t ShellExecute(const std::string& operation, const std::string& file,
                        const std::string& parameters, const std::string& directory,
                        int32_t showCmd) override;
+  velt::Clipboard& Clipboard() override;
   // Left, top, width and height in pixels of this control's surface.
   ControlHost& AddChild(std::shared_ptr<UserControl> control, const std::string& name, int32_t left,
                         int32_t top, int32_t width, int32_t height) override;

@@ -13,6 +13,7 @@
 namespace velt {
 
 class Canvas;
+class Clipboard;
 class Font;
 class Picture;
 class PopupWindow;
@@ -94,6 +95,8 @@ class ControlHost {
   virtual int32_t ShellExecute(const std::string& operation, const std::string& file,
                                const std::string& parameters, const std::string& directory,
                                int32_t showCmd) = 0;
+  // The window system's clipboard (the desktop's, or one in memory headless).
+  virtual velt::Clipboard& Clipboard() = 0;
 
   // Parts of composite controls. AddChild sites a control on this control's
   // surface and runs its creation (Initialize, InitProperties, Resize) with the

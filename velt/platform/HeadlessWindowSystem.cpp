@@ -167,6 +167,10 @@ void HeadlessWindowSystem::PostKeyPress(int16_t charCode) {
   post(ScriptItem{ScriptKind::KeyPress, charCode, 0, {}, 0, {}});
 }
 
+void HeadlessWindowSystem::PostComposition(const std::string& text) {
+  post(ScriptItem{ScriptKind::Composition, 0, 0, {}, 0, {}, text});
+}
+
 void HeadlessWindowSystem::PostWait(int64_t milliseconds) {
   checkTime("PostWait", milliseconds);
   post(ScriptItem{ScriptKind::Wait, 0, 0, {}, milliseconds, {}});
@@ -248,6 +252,9 @@ void HeadlessWindowSystem::run(ScriptItem& item) {
       break;
     case ScriptKind::KeyPress:
       deliverKeyPress(item.button);
+      break;
+    case ScriptKind::Composition:
+      deliverComposition(item.text);
       break;
     case ScriptKind::Wait:
       AdvanceClock(item.milliseconds);

@@ -68,6 +68,8 @@ class HeadlessWindowSystem : public WindowSystem {
   void PostKeyDown(int16_t keyCode, int16_t shift = 0);
   void PostKeyUp(int16_t keyCode, int16_t shift = 0);
   void PostKeyPress(int16_t charCode);
+  // An input method composing text at the focused control ("" ends it).
+  void PostComposition(const std::string& text);
   // AdvanceClock(milliseconds) when its turn comes.
   void PostWait(int64_t milliseconds);
   // Any step of the script's own, e.g. giving a control the focus.
@@ -108,6 +110,7 @@ class HeadlessWindowSystem : public WindowSystem {
     KeyDown,
     KeyUp,
     KeyPress,
+    Composition,
     Wait,
     Action
   };
@@ -118,6 +121,7 @@ class HeadlessWindowSystem : public WindowSystem {
     PointL point;
     int64_t milliseconds = 0;
     std::function<void()> action;
+    std::string text = {};
   };
 
   HeadlessWindowSystem(VirtualClock* clock, int32_t screenWidth, int32_t screenHeight);

@@ -44,6 +44,9 @@ class UserControl {
   virtual void OnKeyDown(int16_t& keyCode, int16_t& shift) = 0;
   virtual void OnKeyUp(int16_t& keyCode, int16_t& shift) = 0;
   virtual void OnKeyPress(int16_t& keyAscii) = 0;
+  // Text an input method is composing (UTF-8; empty when it ends). The
+  // finished text arrives as KeyPress codes afterwards.
+  virtual void OnComposition(const std::string& /*text*/) {}
   virtual void OnEnterFocus() = 0;
   virtual void OnExitFocus() = 0;
 };

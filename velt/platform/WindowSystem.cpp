@@ -281,6 +281,12 @@ void WindowSystem::deliverKeyPress(int16_t charCode) {
   }
 }
 
+void WindowSystem::deliverComposition(const std::string& text) {
+  auto self = weak_from_this().lock();
+  if (std::shared_ptr<PopupWindow> popup = focusPopup_.lock(); popup && popup->Visible()) return;
+  if (FormClient* form = keyTarget()) form->OnComposition(text);
+}
+
 void WindowSystem::popupShown(PopupWindow& popup) {
   raiseToTop(popup);
   if (auto shared = lockPopup(popup)) focusPopup(shared);

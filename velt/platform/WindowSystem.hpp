@@ -57,6 +57,8 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
     virtual void OnKeyDown(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyUp(int16_t keyCode, int16_t shift) = 0;
     virtual void OnKeyPress(int16_t charCode) = 0;
+    // Input-method composition for the focused control (see UserControl).
+    virtual void OnComposition(const std::string& /*text*/) {}
     // The wheel turned `notches` notches (positive away from the user) with
     // the pointer at (x, y).
     virtual void OnMouseWheel(int16_t /*notches*/, int16_t /*shift*/, int32_t /*x*/,
@@ -182,6 +184,7 @@ class WindowSystem : public std::enable_shared_from_this<WindowSystem> {
   void deliverKeyDown(int16_t keyCode, int16_t shift);
   void deliverKeyUp(int16_t keyCode, int16_t shift);
   void deliverKeyPress(int16_t charCode);
+  void deliverComposition(const std::string& text);
 
   // A backend with a real pointer shows the look here when it changes.
   virtual void showPointer(const PointerLook& /*look*/) {}

@@ -322,6 +322,9 @@ void SdlWindowSystem::handle(const SDL_Event& event) {
     case SDL_TEXTINPUT:
       onText(event.text);
       break;
+    case SDL_TEXTEDITING:
+      deliverComposition(event.edit.text);
+      break;
     case SDL_MOUSEWHEEL:
       onWheel(event.wheel);
       break;
