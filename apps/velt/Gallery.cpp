@@ -321,6 +321,8 @@ void Gallery::addMonthviews(int32_t left) {
   disabled->ForeColor(kGreen);
   disabled->iDay(3);
   disabled->Enabled(false);
+}
+
 // ---- veltToolbar ------------------------------------------------------------
 
 // Across the top of the form; the rows below count their tops from its bottom.

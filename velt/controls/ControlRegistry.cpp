@@ -478,6 +478,8 @@ ControlClass monthviewClass() {
        storedAs(integer<V>("iYear", &V::iYear, &V::iYear), "Year"),
        text<V>("WeekdayName", &V::WeekdayName, &V::WeekdayName),
        text<V>("MonthName", &V::MonthName, &V::MonthName)});
+}
+
 ControlClass textBoxClass() {
   using T = veltTextBox;
   return ControlClass("veltTextBox", SizeL{120, 21}, [] { return std::make_shared<T>(); },
