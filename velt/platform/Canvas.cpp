@@ -691,7 +691,9 @@ void Canvas::DrawPicture(const Picture& picture, int32_t x, int32_t y, PictureLo
   uint32_t* pixels = Pixels();
   switch (look) {
     case PictureLook::Normal:
-      forEachCoveredRow(pixels, width_, height_, picture, x, y, blendRow);
+      forEachCoveredRow(
+          pixels, width_, height_, picture, x, y,
+          [](uint32_t* dst, const uint32_t* src, int64_t count) { blendRow(dst, src, count); });
       break;
     case PictureLook::Monochrome: {
       const uint32_t rgb = pixelOf(monochromeColor);
