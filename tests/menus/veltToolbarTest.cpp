@@ -126,6 +126,11 @@ TEST_F(ToolbarTest, ItemsStartAtSevenAndTakeTheirCaptionIconAndArrowWidths) {
     EXPECT_EQ(cell(i).HasIcon, i == kNew);
     x += expected[i - 1];
   }
+  // A font changed in place lays the captions out again.
+  bar->Font()->Size(16);
+  bar->ToolbarItems.Refresh();
+  c.Font()->Size(16);
+  EXPECT_EQ(cell(kBold).Width, c.TextWidth("Bold") + 15);
 }
 
 TEST_F(ToolbarTest, BarHeightFollowsTextOrTallerImagesAndComesBackAfterEveryResize) {

@@ -691,7 +691,11 @@ void Canvas::DrawPicture(const Picture& picture, int32_t x, int32_t y, PictureLo
   uint32_t* pixels = Pixels();
   switch (look) {
     case PictureLook::Normal:
-      forEachCoveredRow(pixels, width_, height_, picture, x, y, blendPictureRow);
+      // Through a lambda, so the row function is inlined rather than called by pointer.
+      forEachCoveredRow(pixels, width_, height_, picture, x, y,
+                        [](uint32_t* dst, const uint32_t* src, int64_t count) {
+                          blendPictureRow(dst, src, count);
+                        });
       break;
     case PictureLook::Monochrome: {
       const uint32_t rgb = pixelOf(monochromeColor);

@@ -27,7 +27,8 @@ int32_t ToolbarItemHeight(int32_t textHeight, const ImageList* imageList) {
 }
 
 ToolbarLayout LayOutToolbar(const Canvas& surface, const ToolbarItems& items,
-                            const ImageList* imageList, int32_t barWidth) {
+                            const ImageList* imageList, int32_t barWidth,
+                            const ToolbarCaptionWidth& captionWidth) {
   ToolbarLayout layout;
   layout.TextHeight = surface.TextHeight("I");
   layout.ItemHeight = ToolbarItemHeight(layout.TextHeight, imageList);
@@ -37,7 +38,9 @@ ToolbarLayout LayOutToolbar(const Canvas& surface, const ToolbarItems& items,
   for (const std::shared_ptr<ToolbarItem>& item : items) {
     ++index;
     const bool hasIcon = imageList && item->IconIndex() != 0;
-    int64_t width = int64_t{surface.TextWidth(item->Caption())} + kToolbarItemPadding;
+    const int32_t textWidth =
+        captionWidth ? captionWidth(item->Caption()) : surface.TextWidth(item->Caption());
+    int64_t width = int64_t{textWidth} + kToolbarItemPadding;
     if (hasIcon) width += imageList->ImageWidth();
     if (item->Style() == mitMenu2)
       width += kToolbarArrowGap + surface.TextWidth(kToolbarArrowGlyph);

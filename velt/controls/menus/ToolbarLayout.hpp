@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 namespace velt {
 
 class Canvas;
 class ImageList;
+class ToolbarItem;
 class ToolbarItems;
 
 // The geometry of the toolbar's items, in pixels of the toolbar. Painting and
@@ -61,10 +64,15 @@ struct ToolbarLayout {
 // text, else the text height.
 int32_t ToolbarItemHeight(int32_t textHeight, const ImageList* imageList);
 
+// The width of a caption in the surface's font.
+using ToolbarCaptionWidth = std::function<int32_t(const std::string& caption)>;
+
 // Lays the items out along a bar barWidth pixels wide, measuring captions with
-// the surface's font. Items whose button would pass the bar's right border are
-// hidden, and every item after them: the bar never draws half a button.
+// captionWidth (the surface's TextWidth when none is given). Items whose
+// button would pass the bar's right border are hidden, and every item after
+// them: the bar never draws half a button.
 ToolbarLayout LayOutToolbar(const Canvas& surface, const ToolbarItems& items,
-                            const ImageList* imageList, int32_t barWidth);
+                            const ImageList* imageList, int32_t barWidth,
+                            const ToolbarCaptionWidth& captionWidth = {});
 
 }  // namespace velt

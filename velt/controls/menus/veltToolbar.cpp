@@ -449,7 +449,15 @@ void veltToolbar::hoverFinding(HoverTracker::Finding finding) {
 void veltToolbar::repaint() {
   if (!host_) return;
   Canvas& c = surface();
-  layout_ = LayOutToolbar(c, ToolbarItems, imageList_.get(), c.ScaleWidth());
+  if (measuredFont_ != c.Font().get() || measuredRevision_ != c.Font()->Revision()) {
+    measured_.clear();
+    measuredFont_ = c.Font().get();
+    measuredRevision_ = c.Font()->Revision();
+  }
+  size_t position = 0;
+  layout_ = LayOutToolbar(
+      c, ToolbarItems, imageList_.get(), c.ScaleWidth(),
+      [&](const std::string& caption) { return captionWidth(c, position++, caption); });
   barHeight_ = layout_.BarHeight();
   if (c.ScaleHeight() != barHeight_ && keepBarHeight()) return;  // the resize painted
   const int32_t w = c.ScaleWidth();
@@ -467,6 +475,14 @@ void veltToolbar::repaint() {
     shown_.push_back(shownItem(*item));
     paintItem(c, cell, *item);
   }
+}
+
+int32_t veltToolbar::captionWidth(Canvas& canvas, size_t position, const std::string& caption) {
+  if (position >= measured_.size()) measured_.resize(position + 1);
+  MeasuredCaption& kept = measured_[position];
+  if (kept.caption != caption || (kept.width == 0 && !caption.empty()))
+    kept = MeasuredCaption{caption, canvas.TextWidth(caption)};
+  return kept.width;
 }
 
 // Sets the control's height to the bar height; true when the surface has it

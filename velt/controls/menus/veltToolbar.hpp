@@ -172,6 +172,16 @@ class veltToolbar : public UserControl, public std::enable_shared_from_this<velt
     bool operator==(const ShownItem&) const = default;
   };
   std::vector<ShownItem> shown_;
+  // Caption widths measured so far, for one font as it was (each repaint
+  // measures every caption; most of them are the same as last time).
+  struct MeasuredCaption {
+    std::string caption;
+    int32_t width = 0;
+  };
+  std::vector<MeasuredCaption> measured_;
+  const velt::Font* measuredFont_ = nullptr;
+  uint64_t measuredRevision_ = 0;
+  int32_t captionWidth(Canvas& canvas, size_t position, const std::string& caption);
   static ShownItem shownItem(const ToolbarItem& item);
   bool resizing_ = false;
   // The symbol font in the caption font's size and style, made again when
