@@ -1,11 +1,12 @@
 #include "velt/utilities/IconBitmap.hpp"
 
+#include <png.h>
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <vector>
 
-#include "velt/platform/Error.hpp"
-#include "velt/platform/Png.hpp"
 #include "velt/utilities/ByteReader.hpp"
 
 namespace velt {
@@ -156,6 +157,30 @@ std::shared_ptr<Picture> decodeBitmap(std::span<const uint8_t> bytes) {
   return std::make_shared<Picture>(layout->width, layout->height, std::move(pixels));
 }
 
+// libpng's simplified reader: its header is checked against the description
+// (and so against kMaxSide) before any pixel memory is taken. It costs a
+// third of the general reader for the small images icons hold.
+std::shared_ptr<Picture> decodePng(const IconImage& image) {
+  png_image png{};
+  png.version = PNG_IMAGE_VERSION;
+  if (!png_image_begin_read_from_memory(&png, image.Bytes.data(), image.Bytes.size()))
+    return nullptr;
+  if (png.width != static_cast<png_uint_32>(image.Width) ||
+      png.height != static_cast<png_uint_32>(image.Height)) {
+    png_image_free(&png);
+    return nullptr;
+  }
+  // BGRA bytes are 0xAARRGGBB words on a little-endian machine.
+  png.format = std::endian::native == std::endian::little ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
+  std::vector<uint32_t> pixels(static_cast<size_t>(image.Width) *
+                               static_cast<size_t>(image.Height));
+  if (!png_image_finish_read(&png, nullptr, pixels.data(), 0, nullptr)) {
+    png_image_free(&png);
+    return nullptr;
+  }
+  return std::make_shared<Picture>(image.Width, image.Height, std::move(pixels));
+}
+
 }  // namespace
 
 std::optional<IconImage> IconBitmap::Describe(std::span<const uint8_t> bytes) {
@@ -166,14 +191,7 @@ std::optional<IconImage> IconBitmap::Describe(std::span<const uint8_t> bytes) {
 }
 
 std::shared_ptr<Picture> IconBitmap::Decode(const IconImage& image) {
-  if (!image.IsPng) return decodeBitmap(image.Bytes);
-  try {
-    auto picture = Png::ReadMemory(image.Bytes, uint64_t{kMaxSide} * kMaxSide);
-    if (picture->Width() != image.Width || picture->Height() != image.Height) return nullptr;
-    return picture;
-  } catch (const Error&) {
-    return nullptr;
-  }
+  return image.IsPng ? decodePng(image) : decodeBitmap(image.Bytes);
 }
 
 }  // namespace velt

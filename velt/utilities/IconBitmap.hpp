@@ -25,7 +25,7 @@ class IconBitmap {
   // bytes are neither, or promise a size or depth outside the limits.
   static std::optional<IconImage> Describe(std::span<const uint8_t> bytes);
 
-  // The pixels of an image Describe gave (PNG through the PNG reader, its
+  // The pixels of an image Describe gave (PNG through libpng's simplified reader, its
   // size checked against the description); nullptr when the bytes are
   // malformed or end early.
   static std::shared_ptr<Picture> Decode(const IconImage& image);
