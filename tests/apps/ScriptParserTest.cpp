@@ -119,11 +119,12 @@ TEST(ScriptParserTest, WrongArgumentsAreProblems) {
   EXPECT_EQ(problemOf("move a 2"), "X \"a\" is not a number");
   EXPECT_EQ(problemOf("move 1 2000000"), "Y 2000000 is outside -1000000..1000000");
   EXPECT_NE(problemOf("down 3 1 1").find("button \"3\""), std::string::npos);
-  for (const char* line :
-       {"up", "keydown 256", "keyup 65 8", "char 65536", "char -1", "text \"open", "text \"a\" b",
-        "text \xc3" /* cut UTF-8 */, "wait -1", "wait 3600001", "focus now", "prop Caption",
-        "prop =1", "shot \"\"", "wheel 1 2", "wheel 1 2 40000", "get", "get a b", "clip",
-        R"(clip "a\u0000b")", "clip \xc3"})
+  for (const char* line : {"up",       "keydown 256",  "keyup 65 8",   "char 65536",
+                           "char -1",  "text \"open",  "text \"a\" b", "text \xc3" /* cut UTF-8 */,
+                           "wait -1",  "wait 3600001", "focus now",    "prop Caption",
+                           "prop =1",  "shot \"\"",    "wheel 1 2",    "wheel 1 2 40000",
+                           "get",      "get a b",      "clip",         R"(clip "a\u0000b")",
+                           "clip \xc3"})
     EXPECT_NE(problemOf(line), "") << line;
   for (const char* line : {"today", "today 2023-02-29", "today 2024-02-01 x"})
     EXPECT_NE(problemOf(line), "") << line;

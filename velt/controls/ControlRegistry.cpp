@@ -512,11 +512,10 @@ ControlClass tabClass() {
 }  // namespace
 
 const ControlRegistry& ControlRegistry::Standard() {
-  static const ControlRegistry registry({buttonClass(), glyphButtonClass(), progressBarClass(),
-                                         scrollBarClass(), sliderClass(), popupMenuClass(),
-                                         labelClass(), colorPickerClass(), listboxClass(),
-                                         tabClass(), monthviewClass(), toolbarClass(),
-                                         textBoxClass()});
+  static const ControlRegistry registry(
+      {buttonClass(), glyphButtonClass(), progressBarClass(), scrollBarClass(), sliderClass(),
+       popupMenuClass(), labelClass(), colorPickerClass(), listboxClass(), tabClass(),
+       monthviewClass(), toolbarClass(), textBoxClass()});
   return registry;
 }
 
