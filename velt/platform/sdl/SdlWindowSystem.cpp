@@ -246,9 +246,9 @@ void SdlWindowSystem::waitForWork() {
   if (std::optional<int64_t> frame = pacer_.WaitMs(now)) within(*frame);
   if (wait && *wait == 0) return;
   // SDL reads the display before and after a wait, a round of system calls
-  // that costs more than a wait of a timer period saves; such a wait sleeps,
-  // and input waits for it at most that long.
-  // A present talks to the display and may leave events read on the way.
+  // that costs more than a wait of a timer period saves; such a wait sleeps
+  // on the display's socket instead, which input arriving ends. A present
+  // talks to the display and may leave events read on the way.
   const bool presented = std::exchange(presentedSinceWait_, false);
   if (wait && *wait <= kTimerFloorMs)
     displayQuiet_ = displayWait_.Sleep(*wait) && !presented;
