@@ -117,7 +117,7 @@ TEST_F(IconExtractorTest, TakesTheImageThatFitsBestAndScalesIt) {
       write("large.ico", icoFile({solidBitmap(8, kRed), solidBitmap(64, kBlue)}));
   const std::string deep =
       write("deep.ico",
-            icoFile({bitmapImage(BitmapSpec::Of(16, 16, 24, std::vector<uint32_t>(256, 0xFF00))),
+            icoFile({bitmapImage(BitmapRecipe::Of(16, 16, 24, std::vector<uint32_t>(256, 0xFF00))),
                      solidBitmap(16, kBlue)}));
   struct Case {
     std::string file;
@@ -144,13 +144,14 @@ TEST_F(IconExtractorTest, TakesTheImageThatFitsBestAndScalesIt) {
 }
 
 TEST_F(IconExtractorTest, DrawsOverMaskColorThroughAlphaAndTheMask) {
-  BitmapSpec spec = BitmapSpec::Of(16, 16, 32, std::vector<uint32_t>(256, 0x80FF0000));
-  spec.values[0] = 0;
-  const std::string half = write("half.ico", icoFile({bitmapImage(spec)}));
-  spec = BitmapSpec::Of(16, 16, 8, std::vector<uint32_t>(256, 1), std::vector<bool>(256, false));
-  spec.palette = {0, 0x00FF00};
-  spec.transparent[17] = true;
-  const std::string masked = write("masked.ico", icoFile({bitmapImage(spec)}));
+  BitmapRecipe recipe = BitmapRecipe::Of(16, 16, 32, std::vector<uint32_t>(256, 0x80FF0000));
+  recipe.values[0] = 0;
+  const std::string half = write("half.ico", icoFile({bitmapImage(recipe)}));
+  recipe =
+      BitmapRecipe::Of(16, 16, 8, std::vector<uint32_t>(256, 1), std::vector<bool>(256, false));
+  recipe.palette = {0, 0x00FF00};
+  recipe.transparent[17] = true;
+  const std::string masked = write("masked.ico", icoFile({bitmapImage(recipe)}));
   extractor_.MaskColor(kWhite);
   auto picture = extractor_.ExtractIcon(half, 0, SmallIcon);
   EXPECT_EQ(picture->Pixel(0, 0), 0xFFFFFFFFu);

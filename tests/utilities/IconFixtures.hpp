@@ -33,13 +33,13 @@ inline void set32(Bytes& out, size_t at, uint32_t value) {
 
 // A bitmap image as icons hold it. `values` are top-down, palette indices for
 // depths up to 8 and 0xAARRGGBB otherwise; `transparent` marks AND-mask bits.
-struct BitmapSpec {
-  static BitmapSpec Of(int32_t width, int32_t height, int32_t bitCount,
-                       std::vector<uint32_t> values, std::vector<bool> transparent = {}) {
-    BitmapSpec spec;
-    spec.width = width, spec.height = height, spec.bitCount = bitCount;
-    spec.values = std::move(values), spec.transparent = std::move(transparent);
-    return spec;
+struct BitmapRecipe {
+  static BitmapRecipe Of(int32_t width, int32_t height, int32_t bitCount,
+                         std::vector<uint32_t> values, std::vector<bool> transparent = {}) {
+    BitmapRecipe recipe;
+    recipe.width = width, recipe.height = height, recipe.bitCount = bitCount;
+    recipe.values = std::move(values), recipe.transparent = std::move(transparent);
+    return recipe;
   }
   int32_t width = 0;
   int32_t height = 0;
@@ -50,41 +50,42 @@ struct BitmapSpec {
   bool withMask = true;
 };
 
-inline Bytes bitmapImage(const BitmapSpec& spec) {
+inline Bytes bitmapImage(const BitmapRecipe& recipe) {
   Bytes out;
   put32(out, 40);
-  put32(out, static_cast<uint32_t>(spec.width));
-  put32(out, static_cast<uint32_t>(spec.height * 2));
+  put32(out, static_cast<uint32_t>(recipe.width));
+  put32(out, static_cast<uint32_t>(recipe.height * 2));
   put16(out, 1);
-  put16(out, static_cast<uint32_t>(spec.bitCount));
+  put16(out, static_cast<uint32_t>(recipe.bitCount));
   for (int i = 0; i < 4; ++i)
     put32(out, 0);  // compression, image size, resolution
-  put32(out, static_cast<uint32_t>(spec.palette.size()));
+  put32(out, static_cast<uint32_t>(recipe.palette.size()));
   put32(out, 0);
-  for (uint32_t colour : spec.palette)
+  for (uint32_t colour : recipe.palette)
     put32(out, colour);
-  const size_t stride = (static_cast<size_t>(spec.width) * spec.bitCount + 31) / 32 * 4;
-  for (int32_t y = spec.height - 1; y >= 0; --y) {
+  const size_t stride = (static_cast<size_t>(recipe.width) * recipe.bitCount + 31) / 32 * 4;
+  for (int32_t y = recipe.height - 1; y >= 0; --y) {
     Bytes row(stride, 0);
-    for (int32_t x = 0; x < spec.width; ++x) {
-      const uint32_t v = spec.values[static_cast<size_t>(y * spec.width + x)];
-      if (spec.bitCount >= 24) {
-        const size_t at = static_cast<size_t>(x) * static_cast<size_t>(spec.bitCount / 8);
-        for (int c = 0; c < spec.bitCount / 8; ++c)
+    for (int32_t x = 0; x < recipe.width; ++x) {
+      const uint32_t v = recipe.values[static_cast<size_t>(y * recipe.width + x)];
+      if (recipe.bitCount >= 24) {
+        const size_t at = static_cast<size_t>(x) * static_cast<size_t>(recipe.bitCount / 8);
+        for (int c = 0; c < recipe.bitCount / 8; ++c)
           row[at + static_cast<size_t>(c)] = static_cast<uint8_t>(v >> (8 * c));
       } else {
-        const size_t bit = static_cast<size_t>(x) * static_cast<size_t>(spec.bitCount);
-        row[bit / 8] |= static_cast<uint8_t>(v << (8 - spec.bitCount - bit % 8));
+        const size_t bit = static_cast<size_t>(x) * static_cast<size_t>(recipe.bitCount);
+        row[bit / 8] |= static_cast<uint8_t>(v << (8 - recipe.bitCount - bit % 8));
       }
     }
     out.insert(out.end(), row.begin(), row.end());
   }
-  if (!spec.withMask) return out;
-  const size_t maskStride = (static_cast<size_t>(spec.width) + 31) / 32 * 4;
-  for (int32_t y = spec.height - 1; y >= 0; --y) {
+  if (!recipe.withMask) return out;
+  const size_t maskStride = (static_cast<size_t>(recipe.width) + 31) / 32 * 4;
+  for (int32_t y = recipe.height - 1; y >= 0; --y) {
     Bytes row(maskStride, 0);
-    for (int32_t x = 0; x < spec.width; ++x)
-      if (!spec.transparent.empty() && spec.transparent[static_cast<size_t>(y * spec.width + x)])
+    for (int32_t x = 0; x < recipe.width; ++x)
+      if (!recipe.transparent.empty() &&
+          recipe.transparent[static_cast<size_t>(y * recipe.width + x)])
         row[static_cast<size_t>(x) / 8] |= static_cast<uint8_t>(0x80 >> (x % 8));
     out.insert(out.end(), row.begin(), row.end());
   }
@@ -93,10 +94,10 @@ inline Bytes bitmapImage(const BitmapSpec& spec) {
 
 // A 32-bit image of one colour, which tells the images of an icon apart.
 inline Bytes solidBitmap(int32_t side, uint32_t argb) {
-  BitmapSpec spec;
-  spec.width = spec.height = side;
-  spec.values.assign(static_cast<size_t>(side * side), argb);
-  return bitmapImage(spec);
+  BitmapRecipe recipe;
+  recipe.width = recipe.height = side;
+  recipe.values.assign(static_cast<size_t>(side * side), argb);
+  return bitmapImage(recipe);
 }
 
 inline Bytes fileBytes(const std::filesystem::path& path) {

@@ -24,25 +24,25 @@ fs::path scratchPng() {
 
 // A 4x2 image per depth: top row palette 0,1,2,3 (or the colours), bottom
 // row with the mask set on its first two pixels.
-BitmapSpec depthSpec(int32_t bitCount) {
-  BitmapSpec spec = BitmapSpec::Of(4, 2, bitCount, {});
+BitmapRecipe depthRecipe(int32_t bitCount) {
+  BitmapRecipe recipe = BitmapRecipe::Of(4, 2, bitCount, {});
   if (bitCount <= 8) {
-    spec.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
-    if (bitCount == 1) spec.palette.resize(2);
-    spec.values = {0, 1, bitCount == 1 ? 0u : 2u, bitCount == 1 ? 1u : 3u, 1, 1, 1, 0};
+    recipe.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
+    if (bitCount == 1) recipe.palette.resize(2);
+    recipe.values = {0, 1, bitCount == 1 ? 0u : 2u, bitCount == 1 ? 1u : 3u, 1, 1, 1, 0};
   } else {
     const uint32_t alpha = bitCount == 32 ? 0xFF000000 : 0;
-    spec.values = {alpha | 0,        alpha | 0xFF0000, alpha | 0x00FF00, alpha | 0x0000FF,
-                   alpha | 0xFF0000, alpha | 0xFF0000, alpha | 0xFF0000, alpha | 0};
+    recipe.values = {alpha | 0,        alpha | 0xFF0000, alpha | 0x00FF00, alpha | 0x0000FF,
+                     alpha | 0xFF0000, alpha | 0xFF0000, alpha | 0xFF0000, alpha | 0};
   }
-  spec.transparent = {false, false, false, false, true, true, false, false};
-  return spec;
+  recipe.transparent = {false, false, false, false, true, true, false, false};
+  return recipe;
 }
 
 TEST(IconBitmapTest, DecodesEveryDepthWithItsMask) {
   for (int32_t bitCount : {1, 4, 8, 24, 32}) {
     SCOPED_TRACE(bitCount);
-    const Bytes bytes = bitmapImage(depthSpec(bitCount));
+    const Bytes bytes = bitmapImage(depthRecipe(bitCount));
     const auto image = IconBitmap::Describe(bytes);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->Width, 4);
@@ -63,19 +63,19 @@ TEST(IconBitmapTest, DecodesEveryDepthWithItsMask) {
 }
 
 TEST(IconBitmapTest, ThirtyTwoBitAlphaIsKeptAndAllZeroAlphaFallsBackToTheMask) {
-  BitmapSpec spec = BitmapSpec::Of(2, 1, 32, {0x80FF0000, 0x00000000}, {false, false});
-  auto picture = IconBitmap::Decode(*IconBitmap::Describe(bitmapImage(spec)));
+  BitmapRecipe recipe = BitmapRecipe::Of(2, 1, 32, {0x80FF0000, 0x00000000}, {false, false});
+  auto picture = IconBitmap::Decode(*IconBitmap::Describe(bitmapImage(recipe)));
   EXPECT_EQ(picture->Pixel(0, 0), 0x80FF0000u);
   EXPECT_EQ(picture->Pixel(1, 0), 0u);
-  spec.values = {0x00FF0000, 0x0000FF00};
-  spec.transparent = {true, false};
-  picture = IconBitmap::Decode(*IconBitmap::Describe(bitmapImage(spec)));
+  recipe.values = {0x00FF0000, 0x0000FF00};
+  recipe.transparent = {true, false};
+  picture = IconBitmap::Decode(*IconBitmap::Describe(bitmapImage(recipe)));
   EXPECT_EQ(picture->Pixel(0, 0), 0u);
   EXPECT_EQ(picture->Pixel(1, 0), kGreen);
 }
 
 TEST(IconBitmapTest, RefusesMalformedHeadersAndShortData) {
-  const Bytes good = bitmapImage(depthSpec(8));
+  const Bytes good = bitmapImage(depthRecipe(8));
   const std::vector<std::pair<const char*, std::function<void(Bytes&)>>> damages = {
       {"header size", [](Bytes& b) { set32(b, 0, 12); }},
       {"zero width", [](Bytes& b) { set32(b, 4, 0); }},
@@ -98,7 +98,7 @@ TEST(IconBitmapTest, RefusesMalformedHeadersAndShortData) {
 
 TEST(IcoReaderTest, ListsBitmapAndPngImagesInOrderAndSkipsBrokenEntries) {
   const fs::path scratch = scratchPng();
-  Bytes file = icoFile({solidBitmap(16, kRed), bitmapImage(depthSpec(4)),
+  Bytes file = icoFile({solidBitmap(16, kRed), bitmapImage(depthRecipe(4)),
                         solidPng(48, kBlue, scratch), solidBitmap(32, kGreen)});
   fs::remove(scratch);
   set32(file, 6 + 16 * 3 + 12, static_cast<uint32_t>(file.size()));  // last entry leaves the file
