@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/foundation/ButtonFace.hpp"
 #include "velt/foundation/ColorScheme.hpp"
 #include "velt/platform/Canvas.hpp"
@@ -20,7 +21,8 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 100;
 constexpr int32_t kHeight = 30;
@@ -28,10 +30,6 @@ constexpr const char* kCaption = "Button";
 constexpr const char* kFamily = "DejaVu Sans";
 constexpr float kPoints = 8.25f;
 constexpr double kPixelsPerPoint = 96.0 / 72.0;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 velt::ColorScheme buttonScheme() {
   return velt::SchemeNormal(0xFFFFFF, 0xC00000, 0xFFFFFF);

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/buttons/veltButton.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/host/Site.hpp"
@@ -19,14 +20,11 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 100;
 constexpr int32_t kHeight = 30;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 struct ButtonOnForm {
   ButtonOnForm() : system(std::make_shared<velt::HeadlessWindowSystem>()), form(system) {

@@ -23,20 +23,18 @@
 #include <unordered_map>
 #include <vector>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/lists/ComboDatas.hpp"
 #include "velt/controls/menus/MenuItems.hpp"
 #include "velt/platform/Collator.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kAdds = 30000;
 constexpr int32_t kLookups = 100000;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 // Words of 4 to 12 letters, about a third of them capitalised, a few with an
 // umlaut; the same list on every run.

@@ -10,15 +10,13 @@
 #include <random>
 #include <vector>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/platform/Canvas.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 // The reference: every pixel of the canvas set to one colour, a row at a time,
 // with stores the compiler vectorises.

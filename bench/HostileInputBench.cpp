@@ -18,17 +18,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/ControlRegistry.hpp"
 #include "velt/host/FormFile.hpp"
 #include "velt/platform/HeadlessWindowSystem.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 void BM_LongWaitWithAOneMillisecondTimer(benchmark::State& state) {
   constexpr int64_t kWaitMs = 1'000'000;

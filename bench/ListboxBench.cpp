@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/lists/veltListbox.hpp"
 #include "velt/controls/menus/MenuItemListing.hpp"
 #include "velt/controls/range/veltScrollBar.hpp"
@@ -29,7 +30,9 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::alternate;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 300;
 constexpr int32_t kHeight = 400;
@@ -42,19 +45,8 @@ constexpr const char* kFamily = "DejaVu Sans";
 constexpr float kPoints = 8.25f;
 constexpr double kPixels = 11.0;  // 8.25 points at 96 DPI
 
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// A disc of one colour on a transparent square, 0xAARRGGBB.
 std::vector<uint32_t> discPixels(uint32_t rgb) {
-  std::vector<uint32_t> pixels(kIconSize * kIconSize, 0);
-  const double r = kIconSize / 2.0;
-  for (int32_t y = 0; y < kIconSize; ++y)
-    for (int32_t x = 0; x < kIconSize; ++x)
-      if ((x + 0.5 - r) * (x + 0.5 - r) + (y + 0.5 - r) * (y + 0.5 - r) <= r * r)
-        pixels[y * kIconSize + x] = 0xFF000000 | rgb;
-  return pixels;
+  return velt::bench::discPixels(kIconSize, rgb);
 }
 
 const std::vector<uint32_t> kIconColors = {0x2E8B57, 0xC0392B, 0x2980B9, 0xE67E22};
@@ -168,27 +160,6 @@ struct CairoList {
   std::vector<cairo_surface_t*> icons;
   std::vector<Row> rows;
 };
-
-// Runs `first` and `second` once per iteration, each timed on its own; the
-// reported time is the first's.
-template <typename First, typename Second>
-std::pair<double, double> alternate(benchmark::State& state, First first, Second second) {
-  double firstSeconds = 0;
-  double secondSeconds = 0;
-  for (auto _ : state) {
-    auto start = Clock::now();
-    first();
-    benchmark::ClobberMemory();
-    const double elapsed = secondsSince(start);
-    firstSeconds += elapsed;
-    state.SetIterationTime(elapsed);
-    start = Clock::now();
-    second();
-    benchmark::ClobberMemory();
-    secondSeconds += secondsSince(start);
-  }
-  return {firstSeconds, secondSeconds};
-}
 
 void BM_ListboxRepaint(benchmark::State& state) {
   ListOnForm fixture(kEntries);

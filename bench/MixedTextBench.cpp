@@ -12,13 +12,15 @@
 #include <cstdint>
 #include <memory>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/platform/Canvas.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/TextEngine.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 300;
 constexpr int32_t kHeight = 20;
@@ -27,10 +29,6 @@ constexpr const char* kLine =
     "\xE7\xA2\xBA\xE5\xAE\x9A \xE5\x8F\x96\xE6\xB6\x88 done";
 constexpr const char* kFamily = "DejaVu Sans";
 constexpr float kPoints = 8.25f;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 struct PangoLine {
   PangoLine()

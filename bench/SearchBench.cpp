@@ -29,20 +29,18 @@
 #include <memory>
 #include <string>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/utilities/Search.hpp"
 
 extern char** environ;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int kFanOut = 10;         // folders per folder, three levels deep
 constexpr int kFilesPerLeaf = 100;  // 10 * 10 * 10 * 100 = 100,000 files
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 int openFolder(int parent, const std::string& name) {
   ::mkdirat(parent, name.c_str(), 0755);

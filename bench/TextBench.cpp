@@ -13,13 +13,15 @@
 #include <cstdint>
 #include <memory>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/platform/Canvas.hpp"
 #include "velt/platform/Font.hpp"
 #include "velt/platform/TextEngine.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 200;
 constexpr int32_t kHeight = 20;
@@ -27,10 +29,6 @@ constexpr const char* kText = "Quick brown fox, 42!";  // 20 characters
 constexpr const char* kFamily = "DejaVu Sans";
 constexpr float kPoints = 8.25f;
 constexpr double kPixels = 11.0;  // 8.25 points at 96 DPI
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 struct CairoText {
   CairoText()

@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/text/SingleLineEdit.hpp"
 #include "velt/controls/text/veltTextBox.hpp"
 #include "velt/host/Form.hpp"
@@ -23,17 +24,14 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kBoxWidth = 300;
 constexpr const char* kFamily = "DejaVu Sans";
 constexpr float kPoints = 8.25f;
 constexpr double kPixels = 11.0;  // 8.25 points at 96 DPI
 constexpr size_t kLength = 200;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 // 200 characters of prose whose first eight are the iteration number.
 std::string textNumbered(int64_t iteration) {

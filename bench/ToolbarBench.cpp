@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/SameRunTiming.hpp"
 #include "velt/controls/menus/veltToolbar.hpp"
 #include "velt/host/Form.hpp"
 #include "velt/platform/Font.hpp"
@@ -23,7 +24,9 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using velt::bench::alternate;
+using velt::bench::Clock;
+using velt::bench::secondsSince;
 
 constexpr int32_t kWidth = 600;
 constexpr int32_t kIconSize = 14;
@@ -36,19 +39,8 @@ constexpr double kPixels = 11.0;  // 8.25 points at 96 DPI
 
 const std::vector<uint32_t> kIconColors = {0x2E8B57, 0xC0392B, 0x2980B9, 0xE67E22};
 
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// A disc of one colour on a transparent square, 0xAARRGGBB.
 std::vector<uint32_t> discPixels(uint32_t rgb) {
-  std::vector<uint32_t> pixels(kIconSize * kIconSize, 0);
-  const double r = kIconSize / 2.0;
-  for (int32_t y = 0; y < kIconSize; ++y)
-    for (int32_t x = 0; x < kIconSize; ++x)
-      if ((x + 0.5 - r) * (x + 0.5 - r) + (y + 0.5 - r) * (y + 0.5 - r) <= r * r)
-        pixels[y * kIconSize + x] = 0xFF000000 | rgb;
-  return pixels;
+  return velt::bench::discPixels(kIconSize, rgb);
 }
 
 struct ToolbarOnForm {
@@ -185,27 +177,6 @@ struct CairoToolbar {
   std::vector<cairo_surface_t*> icons;
   std::vector<Item> items;
 };
-
-// Runs `first` and `second` once per iteration, each timed on its own; the
-// reported time is the first's.
-template <typename First, typename Second>
-std::pair<double, double> alternate(benchmark::State& state, First first, Second second) {
-  double firstSeconds = 0;
-  double secondSeconds = 0;
-  for (auto _ : state) {
-    auto start = Clock::now();
-    first();
-    benchmark::ClobberMemory();
-    const double elapsed = secondsSince(start);
-    firstSeconds += elapsed;
-    state.SetIterationTime(elapsed);
-    start = Clock::now();
-    second();
-    benchmark::ClobberMemory();
-    secondSeconds += secondsSince(start);
-  }
-  return {firstSeconds, secondSeconds};
-}
 
 void BM_ToolbarRepaint(benchmark::State& state) {
   ToolbarOnForm fixture;
